@@ -11,6 +11,7 @@
 #include "apconf/command_tree.h"
 #include "apconf/ptype.h"
 #include "apconf/util.h"
+#include "ptype/target_parse.h"
 #include "util/log.h"
 #include "util/owners.h"
 
@@ -47,15 +48,6 @@ const char *name_of(const xmlNode *node)
 bool is_named(const xmlNode *node, const char *name)
 {
     return node->name && strcmp(name_of(node), name) == 0;
-}
-
-// atoi as the 32-bit target has it: numbers beyond 32 bits saturate.
-int32_t text_to_int(const char *text)
-{
-    const long long number = strtoll(text, nullptr, 10);
-    if (number > INT32_MAX) return INT32_MAX;
-    if (number < INT32_MIN) return INT32_MIN;
-    return static_cast<int32_t>(number);
 }
 
 // Only reports: a parameter is kept whatever its list holds.
@@ -173,7 +165,7 @@ void parse_param(const xmlNode *first, struct cmd_node *node)
 void parse_command(const xmlNode *command, struct cmd_node *node)
 {
     const char *repeat = get_xmlnode_attr(command, "repeat");
-    if (repeat) node->repeat = text_to_int(repeat);
+    if (repeat) node->repeat = parse_leading_int(repeat);
     parse_param(command->children, node);
 }
 
