@@ -36,11 +36,12 @@ typedef int cmq_put_fn(void *arg, int index);
 int cmq_init(void);
 
 /* Appends one message, written by put(arg, index), under an exclusive lock. Returns the index, also when the writer
- * failed (logged; the number is then given again), or -1. */
+ * failed (logged; the number is then given again), or -1, also when the next number cannot be written. */
 int cmq_handle_cmessage(cmq_put_fn *put, void *arg);
 
 /* Writers. msg: a json_object, written pretty-printed. file: a file name, moved into place by a shell command, or
- * copied to message 1 whatever the index. 0 or the shell's status; -1 for an index below 1 or a refused name. */
+ * copied to message 1 whatever the index. 0 or the shell's status; -1 for an index below 1, and, logged, for a name
+ * that opens with "-", that would not stand as one word in the command, or with which the command is too long. */
 int cmq_put_cmessage(void *msg, int index);
 int cmq_put_cmessage_file(void *file, int index);
 int cmq_put_cmessage_start_config(void *file, int index);
@@ -61,7 +62,7 @@ FILE *cmq_create_bad_file(int index);
 /* Removes new/<index>.json; with `is_backup` the one that was handled 20 backups ago instead. */
 void cmq_delete_new_msg(int index, int is_backup);
 
-/* Read (-1: absent or invalid) and write (returns n, or -1) an index file. */
+/* Read (-1: absent or invalid, as 0 and 2147483647 are) and write (returns n, or -1) an index file. */
 int get_message_index(const char *path);
 int set_message_index(const char *path, int n);
 

@@ -92,8 +92,8 @@ enum apconf_variant {
 
 /* An array in the block, or an area of it (count 1). */
 struct apconf_array {
-    uint32_t offset; /* bytes from the scope's record */
-    uint32_t step;   /* bytes of an element */
+    uint32_t offset; /* bytes from the scope's record; of an iterating node: from the enclosing scope's */
+    uint32_t step;   /* bytes of an element; 0: a {list, count} pair */
     uint16_t count;
 };
 
@@ -108,6 +108,7 @@ struct apconf_command {
     uint8_t variant;           /* enum apconf_variant */
     uint8_t scope;             /* enum apconf_scope; of an iterating node: that of its instances */
     uint8_t field_count;
+    uint8_t zero_unset; /* the array is zero when unset; of a packed list its option word too */
 };
 
 /* One package: its table and, in the same order, its descriptions. */
@@ -138,6 +139,12 @@ uint32_t apconf_scope_size(enum apconf_scope scope);
 
 /* Makes a record of this scope unset. What it held is not released. */
 void apconf_unset_record(enum apconf_scope scope, void *record);
+
+/* The scope that a scope's records lie in: radio for BSSes, else global. */
+enum apconf_scope apconf_enclosing_scope(enum apconf_scope scope);
+
+/* The lookup slot that chooses the scope's record; null for the global scope. */
+uint32_t *apconf_scope_slot(enum apconf_scope scope, struct lookup_ctx *lookup);
 
 /* Bytes that a field takes in the block (of VALUES: all of them). */
 uint32_t apconf_field_size(const struct apconf_field *field);

@@ -52,22 +52,27 @@ extern char io_module[IO_MODULE_SIZE];
 int writev_data(int fd, struct iovec *iov, int iov_count, int pass_fd);
 
 /* Fills one buffer, advancing it in place. `received_fd`, unless null, takes the descriptor that came with the first
- * read, or -1. Returns the bytes read; 0 when the socket would block (bytes read so far are lost to the caller); -1 on
- * an error or when the peer has closed, and then `*closed` is 1. */
+ * read, or -1; the caller owns it whatever the result is, since a read may fail after the descriptor has come. With a
+ * null `received_fd` the kernel closes what is sent along. Returns the bytes read; 0 when the socket would block (bytes
+ * read so far are lost to the caller); -1 on an error or when the peer has closed, and then `*closed` (may be null)
+ * becomes 1; it is never reset here. */
 int recv_data(int fd, struct iovec *iov, int *received_fd, int *closed);
 
 /* Send one message with `len` bytes of `data` (null: none). 0, or -1 logged. A request carries `fd` itself along. */
 int send_io_request(int fd, int type, const void *data, uint32_t len);
 int send_io_reply(int fd, int code, const void *data, uint32_t len);
 
-/* Reads one message. Returns a heap block that the caller frees, or null, logged. The caller owns `*received_fd`. */
+/* Reads one message. Returns a heap block that the caller frees, or null, logged. `*received_fd` is set in every case,
+ * to -1 when no descriptor came; otherwise the caller owns it, also when the result is null. */
 struct io_msg *recv_io_msg(int fd, int *received_fd, int *closed);
 
 /* A listening (`server` not 0) or connected socket on `path` (null: IO_SOCK_PATH). The descriptor, or -1 logged. A
  * stale socket file is the caller's to remove. */
 int init_io_sock(int server, const char *path);
 
-/* Closes io_sockfd, which keeps its number; the next send on it fails and so reconnects. */
+/* Closes io_sockfd, which keeps its number; the client's next send on it fails and so reconnects. Until init_cmclient
+ * opens the connection anew the number counts as somebody else's: the client neither writes to it nor closes it again,
+ * even when the process has got it back for something of its own. */
 void deinit_io_sock(void);
 
 /* The base name of this process's program, at most `len` bytes with the NUL. 0, or -1. */
