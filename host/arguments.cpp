@@ -7,9 +7,11 @@
 #include "expectation.h"
 #include "json.h"
 
-namespace apconf_host {
+namespace apconf_host
+{
 
-namespace {
+namespace
+{
 
 constexpr const char *hidden = "***";
 
@@ -17,8 +19,8 @@ constexpr const char *hidden = "***";
 const apconf_field *selecting_field(const apconf_command &command)
 {
     const auto *end = command.fields + command.field_count;
-    const bool selects = std::any_of(command.fields, end,
-                                     [](const apconf_field &field) { return field.when != APCONF_WHEN_ALWAYS; });
+    const bool selects =
+        std::any_of(command.fields, end, [](const apconf_field &field) { return field.when != APCONF_WHEN_ALWAYS; });
     const auto *found = std::find_if(command.fields, end, [](const apconf_field &field) {
         return field.ptype == PTYPE_ADDR_TYPE || field.ptype == PTYPE_STRING_FORMAT;
     });
@@ -26,7 +28,8 @@ const apconf_field *selecting_field(const apconf_command &command)
 }
 
 // The selecting field with the value that a message gives it, until the end of the check.
-class trial {
+class trial
+{
 public:
     explicit trial(const element &at) : at_(at) {}
     trial(const trial &) = delete;
@@ -99,7 +102,8 @@ std::optional<argument> convert(const cmd_node &node, const apconf_field &field,
     return result;
 }
 
-class reader {
+class reader
+{
 public:
     reader(const reading &reading, outcome &result) : reading_(reading), result_(result), trial_(reading.at) {}
 
@@ -205,11 +209,9 @@ private:
                                                               : "not hex";
         const std::string needed = std::string(selecting_ ? selecting_->key : "its type") + " " + word;
         // A key with two rows is out of force only while there is neither address.
-        const auto rows = std::count_if(reading_.command.fields,
-                                        reading_.command.fields + reading_.command.field_count,
-                                        [&field](const apconf_field &other) {
-                                            return other.key && strcmp(other.key, field.key) == 0;
-                                        });
+        const auto rows = std::count_if(
+            reading_.command.fields, reading_.command.fields + reading_.command.field_count,
+            [&field](const apconf_field &other) { return other.key && strcmp(other.key, field.key) == 0; });
         if (rows > 1) return std::string("this key only with ") + selecting_->key + " ip or domain";
         return "this key only with " + needed;
     }

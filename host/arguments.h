@@ -8,7 +8,8 @@
 #include "block.h"
 #include "handlers.h"
 
-namespace apconf_host {
+namespace apconf_host
+{
 
 struct reading {
     const apconf_command &command;

@@ -10,9 +10,11 @@
 #include <new>
 #include <vector>
 
-namespace apconf_host {
+namespace apconf_host
+{
 
-namespace {
+namespace
+{
 
 // A LIST field: a pointer, and its count behind it.
 struct list_header {
@@ -111,17 +113,17 @@ const char *unset_record(apconf_scope scope)
     static const std::vector<char> pool = make_unset(APCONF_SCOPE_POOL);
     static const std::vector<char> ip_acl = make_unset(APCONF_SCOPE_IP_ACL);
     switch (scope) {
-    case APCONF_SCOPE_VLAN:
-        return vlan.data();
-    case APCONF_SCOPE_POOL:
-        return pool.data();
-    case APCONF_SCOPE_IP_ACL:
-        return ip_acl.data();
-    default: {
-        // The reference block is unset throughout, but for its lists.
-        const lookup_ctx first = {};
-        return static_cast<const char *>(apconf_scope_record(scope, &mirror_root, &first));
-    }
+        case APCONF_SCOPE_VLAN:
+            return vlan.data();
+        case APCONF_SCOPE_POOL:
+            return pool.data();
+        case APCONF_SCOPE_IP_ACL:
+            return ip_acl.data();
+        default: {
+            // The reference block is unset throughout, but for its lists.
+            const lookup_ctx first = {};
+            return static_cast<const char *>(apconf_scope_record(scope, &mirror_root, &first));
+        }
     }
 }
 
@@ -142,16 +144,19 @@ bool is_heap_text(const apconf_field &field)
     return field.kind == APCONF_FIELD_TEXT || field.kind == APCONF_FIELD_TYPED;
 }
 
-char *load_text(const apconf_field &field, const element &at) { return load<char *>(at.stored + field.offset); }
+char *load_text(const apconf_field &field, const element &at)
+{
+    return load<char *>(at.stored + field.offset);
+}
 
 bool is_set(const apconf_field &field, const element &at)
 {
     switch (field.kind) {
-    case APCONF_FIELD_VALUE:
-    case APCONF_FIELD_VALUES:
-        return memcmp(at.stored + field.offset, at.unset + field.offset, apconf_field_size(&field)) != 0;
-    default:
-        return load<void *>(at.stored + field.offset) != nullptr;
+        case APCONF_FIELD_VALUE:
+        case APCONF_FIELD_VALUES:
+            return memcmp(at.stored + field.offset, at.unset + field.offset, apconf_field_size(&field)) != 0;
+        default:
+            return load<void *>(at.stored + field.offset) != nullptr;
     }
 }
 
@@ -166,22 +171,23 @@ bool holds(const element &at, const argument &argument)
     const apconf_field &field = *argument.field;
     const char *place = at.stored + field.offset;
     switch (field.kind) {
-    case APCONF_FIELD_TEXT:
-    case APCONF_FIELD_TYPED:
-        return load_text(field, at) && argument.bytes == load_text(field, at);
-    case APCONF_FIELD_OBJECT:
-        return load<json_object *>(place) && json_object_equal(load<json_object *>(place), argument.object);
-    case APCONF_FIELD_LIST: {
-        const list_header stored = load_list(field, at);
-        const size_t size = static_cast<size_t>(stored.count) * static_cast<size_t>(get_ptype_size(field.ptype));
-        return size == argument.bytes.size() && (size == 0 || memcmp(stored.list, argument.bytes.data(), size) == 0);
-    }
-    default: {
-        // Of a row of values the rest is unset.
-        const size_t given = argument.bytes.size();
-        return memcmp(place, argument.bytes.data(), given) == 0 &&
-               memcmp(place + given, at.unset + field.offset + given, apconf_field_size(&field) - given) == 0;
-    }
+        case APCONF_FIELD_TEXT:
+        case APCONF_FIELD_TYPED:
+            return load_text(field, at) && argument.bytes == load_text(field, at);
+        case APCONF_FIELD_OBJECT:
+            return load<json_object *>(place) && json_object_equal(load<json_object *>(place), argument.object);
+        case APCONF_FIELD_LIST: {
+            const list_header stored = load_list(field, at);
+            const size_t size = static_cast<size_t>(stored.count) * static_cast<size_t>(get_ptype_size(field.ptype));
+            return size == argument.bytes.size() &&
+                   (size == 0 || memcmp(stored.list, argument.bytes.data(), size) == 0);
+        }
+        default: {
+            // Of a row of values the rest is unset.
+            const size_t given = argument.bytes.size();
+            return memcmp(place, argument.bytes.data(), given) == 0 &&
+                   memcmp(place + given, at.unset + field.offset + given, apconf_field_size(&field) - given) == 0;
+        }
     }
 }
 
@@ -192,14 +198,14 @@ bool looks_unset(const argument &argument, const element &at)
     const std::string all_ones(size, '\xFF');
     const char *nothing = field.kind == APCONF_FIELD_LIST ? all_ones.data() : at.unset + field.offset;
     switch (field.kind) {
-    case APCONF_FIELD_VALUE:
-    case APCONF_FIELD_VALUES:
-    case APCONF_FIELD_LIST:
-        for (size_t i = 0; i + size <= argument.bytes.size(); i += size)
-            if (memcmp(argument.bytes.data() + i, nothing, size) == 0) return true;
-        return false;
-    default:
-        return false;
+        case APCONF_FIELD_VALUE:
+        case APCONF_FIELD_VALUES:
+        case APCONF_FIELD_LIST:
+            for (size_t i = 0; i + size <= argument.bytes.size(); i += size)
+                if (memcmp(argument.bytes.data() + i, nothing, size) == 0) return true;
+            return false;
+        default:
+            return false;
     }
 }
 
@@ -207,16 +213,16 @@ void write(const element &at, const argument &argument)
 {
     const apconf_field &field = *argument.field;
     switch (field.kind) {
-    case APCONF_FIELD_TEXT:
-    case APCONF_FIELD_TYPED:
-        return write_text(field, at, argument.bytes);
-    case APCONF_FIELD_OBJECT:
-        return write_object(field, at, argument.object);
-    case APCONF_FIELD_LIST:
-        return write_list(field, at, argument.bytes);
-    default:
-        unset(field, at);
-        memcpy(at.stored + field.offset, argument.bytes.data(), argument.bytes.size());
+        case APCONF_FIELD_TEXT:
+        case APCONF_FIELD_TYPED:
+            return write_text(field, at, argument.bytes);
+        case APCONF_FIELD_OBJECT:
+            return write_object(field, at, argument.object);
+        case APCONF_FIELD_LIST:
+            return write_list(field, at, argument.bytes);
+        default:
+            unset(field, at);
+            memcpy(at.stored + field.offset, argument.bytes.data(), argument.bytes.size());
     }
 }
 
@@ -252,7 +258,10 @@ uint32_t unset_option(const apconf_command &command)
     return load<uint32_t>(unset_record(static_cast<apconf_scope>(command.scope)) + command.option);
 }
 
-void set_option(const apconf_command &command, char *record, uint32_t word) { store(record + command.option, word); }
+void set_option(const apconf_command &command, char *record, uint32_t word)
+{
+    store(record + command.option, word);
+}
 
 bool reset_command(const apconf_command &command, char *record)
 {
@@ -280,6 +289,9 @@ void reset_record(apconf_scope scope, char *record)
     memcpy(record, unset_record(scope), apconf_scope_size(scope));
 }
 
-bool is_node(const apconf_command &command) { return command.variant >= APCONF_PACKAGE_NODE; }
+bool is_node(const apconf_command &command)
+{
+    return command.variant >= APCONF_PACKAGE_NODE;
+}
 
 }  // namespace apconf_host

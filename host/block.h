@@ -7,7 +7,8 @@
 
 #include <apconf/apconf.h>
 
-namespace apconf_host {
+namespace apconf_host
+{
 
 // One value for a field, converted and checked.
 struct argument {

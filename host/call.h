@@ -7,7 +7,8 @@
 #include "arguments.h"
 #include "handlers.h"
 
-namespace apconf_host {
+namespace apconf_host
+{
 
 // The message being applied; the dispatch's `user` word.
 struct request {

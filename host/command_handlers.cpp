@@ -9,9 +9,11 @@
 #include "expectation.h"
 #include "json.h"
 
-namespace apconf_host {
+namespace apconf_host
+{
 
-namespace {
+namespace
+{
 
 bool is_negated(const apconf_command &command, const element &at)
 {
@@ -22,17 +24,17 @@ bool is_negated(const apconf_command &command, const element &at)
 bool is_array(const apconf_command &command)
 {
     switch (command.variant) {
-    case APCONF_FIXED_ARRAY:
-    case APCONF_RESET_ON_CHANGE:
-    case APCONF_RESET_ON_DIFFERENCE:
-    case APCONF_ALWAYS_RESET:
-    case APCONF_ONLY_WHEN_REPLACED:
-    case APCONF_PACKED_LIST:
-    case APCONF_SELECTED_ENTRY:
-    case APCONF_COUNTED_ARRAY:
-        return true;
-    default:
-        return false;
+        case APCONF_FIXED_ARRAY:
+        case APCONF_RESET_ON_CHANGE:
+        case APCONF_RESET_ON_DIFFERENCE:
+        case APCONF_ALWAYS_RESET:
+        case APCONF_ONLY_WHEN_REPLACED:
+        case APCONF_PACKED_LIST:
+        case APCONF_SELECTED_ENTRY:
+        case APCONF_COUNTED_ARRAY:
+            return true;
+        default:
+            return false;
     }
 }
 
@@ -71,9 +73,8 @@ bool is_identical(const call &call, const element &at, const std::vector<argumen
 {
     const apconf_command &command = call.command;
     for (unsigned i = 0; i < command.field_count; ++i) {
-        const bool given = std::any_of(arguments.begin(), arguments.end(), [&](const argument &argument) {
-            return argument.field == &command.fields[i];
-        });
+        const bool given = std::any_of(arguments.begin(), arguments.end(),
+                                       [&](const argument &argument) { return argument.field == &command.fields[i]; });
         if (!given && is_set(command.fields[i], at)) return false;
     }
     return holds_all(at, arguments);
@@ -90,14 +91,14 @@ void mark_list_set(const apconf_command &command, char *record)
 std::optional<uint32_t> cleared_mark(const apconf_command &command)
 {
     switch (command.variant) {
-    case APCONF_RESET_ON_CHANGE:
-    case APCONF_ONLY_WHEN_REPLACED:
-    case APCONF_PACKED_LIST:
-        return LIST_REPLACED;
-    case APCONF_RESET_ON_DIFFERENCE:
-        return CONFIG_NEGATED;
-    default:
-        return std::nullopt;
+        case APCONF_RESET_ON_CHANGE:
+        case APCONF_ONLY_WHEN_REPLACED:
+        case APCONF_PACKED_LIST:
+            return LIST_REPLACED;
+        case APCONF_RESET_ON_DIFFERENCE:
+            return CONFIG_NEGATED;
+        default:
+            return std::nullopt;
     }
 }
 
@@ -115,8 +116,7 @@ int set_element(const call &call, char *record, const std::vector<argument> &arg
         if (place == room && command.variant != APCONF_COUNTED_ARRAY && !any_set(command, at)) place = i;
     }
     if (place == room && used < room) place = used;
-    if (place >= room)
-        return call.refuse("", "", "at most " + std::to_string(room) + " entries; remove one first");
+    if (place >= room) return call.refuse("", "", "at most " + std::to_string(room) + " entries; remove one first");
     const element at = element_at(command, record, place);
     unset_all(command, at);
     write_arguments(command, at, arguments);
@@ -130,9 +130,8 @@ int check_needed(const call &call, const element &at, const std::vector<argument
 {
     const apconf_command &command = call.command;
     const auto given = [&arguments](const apconf_field &field) {
-        return std::any_of(arguments.begin(), arguments.end(), [&field](const argument &argument) {
-            return strcmp(argument.field->key, field.key) == 0;
-        });
+        return std::any_of(arguments.begin(), arguments.end(),
+                           [&field](const argument &argument) { return strcmp(argument.field->key, field.key) == 0; });
     };
     const auto need = [&call](const apconf_field &field) {
         return call.refuse(field.key, "", accepted_value(call.node, field) + ": this key is needed");
@@ -237,9 +236,9 @@ std::optional<step> read_step(const call &call, char *record, json_object *args)
 {
     const bool clears = scalar_text(member(args, ".OPT")) == "noall";
     if (!args || clears) return step{clears, {}};
-    auto arguments = read_arguments(
-        {call.command, call.node, call.path, call.keys_of_path(), element_at(call.command, record)}, args,
-        call.message.result);
+    auto arguments =
+        read_arguments({call.command, call.node, call.path, call.keys_of_path(), element_at(call.command, record)},
+                       args, call.message.result);
     if (!arguments) return std::nullopt;
     return step{is_removal(args), std::move(*arguments)};
 }
@@ -265,8 +264,8 @@ int carry_out(const call &call, char *record, const std::vector<step> &steps)
 {
     int result = call::no_change;
     for (const step &step : steps) {
-        const int answer = step.removes ? remove_elements(call, record, step.arguments)
-                                        : set_elements(call, record, step.arguments);
+        const int answer =
+            step.removes ? remove_elements(call, record, step.arguments) : set_elements(call, record, step.arguments);
         if (answer == call::refused) return answer;
         if (answer == call::done) result = answer;
     }

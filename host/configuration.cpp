@@ -7,12 +7,15 @@
 #include "instances.h"
 #include "json.h"
 
-namespace apconf_host {
+namespace apconf_host
+{
 
-namespace {
+namespace
+{
 
 // Reporting hands the ism object over to whoever reads it; its block gets it back.
-class ism_keeper {
+class ism_keeper
+{
 public:
     ism_keeper() : kept_(json_object_get(root.config.ism_cmd.ism)) {}
     ism_keeper(const ism_keeper &) = delete;

@@ -5,11 +5,16 @@
 #include <cstring>
 #include <limits>
 
-namespace apconf_host {
+namespace apconf_host
+{
 
-namespace {
+namespace
+{
 
-bool is_text(uint32_t ptype) { return ptype == PTYPE_STRING || ptype == PTYPE_HEX_STR; }
+bool is_text(uint32_t ptype)
+{
+    return ptype == PTYPE_STRING || ptype == PTYPE_HEX_STR;
+}
 
 const cmd_param *parameter_of(const cmd_node &node, const apconf_field &field)
 {
@@ -60,38 +65,38 @@ std::string joined(const std::vector<std::string> &words)
 std::string accepted_single(uint32_t ptype, const void *range)
 {
     switch (ptype) {
-    case PTYPE_RAW_JSON:
-        return "a JSON object";
-    case PTYPE_SINT:
-        return number<sint_range>("a SINT", range);
-    case PTYPE_UINT8:
-        return number<uint8_range>("a UINT8", range);
-    case PTYPE_UINT16:
-        return number<uint16_range>("a UINT16", range);
-    case PTYPE_UINT:
-        return number<uint_range>("a UINT", range);
-    case PTYPE_UINT64:
-        return number<uint64_range>("a UINT64", range);
-    case PTYPE_FLOAT:
-        return "a FLOAT" + (range ? from_to<float_range>(range, 0.0F, 0.0F) : "");
-    case PTYPE_STRING:
-        return "a text" + length(range, "characters");
-    case PTYPE_HEX_STR:
-        return "a text" + length(range, "hexadecimal digits");
-    case PTYPE_BINARY:
-        return "a text of the digits 0 and 1";
-    case PTYPE_IPV4:
-        return "an IPv4 address A.B.C.D";
-    case PTYPE_IPV4_MASK:
-        return "an IPv4 prefix A.B.C.D/LENGTH with a length from 0 to 32";
-    case PTYPE_MAC_ADDR:
-        return "a MAC address XX:XX:XX:XX:XX:XX";
-    case PTYPE_TIME_HHMMSS:
-        return "a time HH:MM:SS";
-    case PTYPE_TXPOWER_TYPE:
-        return "the word percents";
-    default:
-        return "one of " + joined(tokens_of(ptype));
+        case PTYPE_RAW_JSON:
+            return "a JSON object";
+        case PTYPE_SINT:
+            return number<sint_range>("a SINT", range);
+        case PTYPE_UINT8:
+            return number<uint8_range>("a UINT8", range);
+        case PTYPE_UINT16:
+            return number<uint16_range>("a UINT16", range);
+        case PTYPE_UINT:
+            return number<uint_range>("a UINT", range);
+        case PTYPE_UINT64:
+            return number<uint64_range>("a UINT64", range);
+        case PTYPE_FLOAT:
+            return "a FLOAT" + (range ? from_to<float_range>(range, 0.0F, 0.0F) : "");
+        case PTYPE_STRING:
+            return "a text" + length(range, "characters");
+        case PTYPE_HEX_STR:
+            return "a text" + length(range, "hexadecimal digits");
+        case PTYPE_BINARY:
+            return "a text of the digits 0 and 1";
+        case PTYPE_IPV4:
+            return "an IPv4 address A.B.C.D";
+        case PTYPE_IPV4_MASK:
+            return "an IPv4 prefix A.B.C.D/LENGTH with a length from 0 to 32";
+        case PTYPE_MAC_ADDR:
+            return "a MAC address XX:XX:XX:XX:XX:XX";
+        case PTYPE_TIME_HHMMSS:
+            return "a time HH:MM:SS";
+        case PTYPE_TXPOWER_TYPE:
+            return "the word percents";
+        default:
+            return "one of " + joined(tokens_of(ptype));
     }
 }
 
@@ -124,12 +129,12 @@ std::string accepted_value(const cmd_node &node, const apconf_field &field)
 {
     const std::string single = accepted_single(field.ptype, range_of(node, field));
     switch (field.kind) {
-    case APCONF_FIELD_VALUES:
-        return "up to " + std::to_string(field.count) + " values, each " + single;
-    case APCONF_FIELD_LIST:
-        return "a list of values, each " + single;
-    default:
-        return single;
+        case APCONF_FIELD_VALUES:
+            return "up to " + std::to_string(field.count) + " values, each " + single;
+        case APCONF_FIELD_LIST:
+            return "a list of values, each " + single;
+        default:
+            return single;
     }
 }
 
@@ -151,14 +156,14 @@ std::vector<std::string> tokens_of(uint32_t ptype)
         for (int i = 0; i < count; ++i) tokens.push_back(pairs[i].token);
     };
     switch (ptype) {
-#define TOKENS(number, NAME, count)    \
-    case number:                       \
-        add_all(NAME##_pairs, count);  \
+#define TOKENS(number, NAME, count)   \
+    case number:                      \
+        add_all(NAME##_pairs, count); \
         break;
         APCONF_ENUM_PTYPES(TOKENS)
 #undef TOKENS
-    default:
-        break;
+        default:
+            break;
     }
     return tokens;
 }
@@ -191,8 +196,7 @@ std::string accepted_command(const cmd_node &parent, const std::string &below, c
 {
     const auto names = names_below(parent);
     const std::string like = nearest(name, names);
-    std::string accepted = below.empty() ? "a path from" : "a command of " + below;
-    if (below.empty()) return accepted + " " + joined(names);
+    const std::string accepted = below.empty() ? "the first word of a path" : "a command of " + below;
     if (!like.empty()) return accepted + ", perhaps " + like;
     return names.size() <= 12 ? accepted + ": " + joined(names) : accepted + ", such as " + names.front();
 }

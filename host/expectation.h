@@ -6,7 +6,8 @@
 
 #include <apconf/apconf.h>
 
-namespace apconf_host {
+namespace apconf_host
+{
 
 // The schema's range record for a field of this node, or null: the ptype's own limits.
 const void *range_of(const cmd_node &node, const apconf_field &field);

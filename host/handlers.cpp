@@ -8,9 +8,11 @@
 #include "instances.h"
 #include "json.h"
 
-namespace apconf_host {
+namespace apconf_host
+{
 
-namespace {
+namespace
+{
 
 // A message cannot make the list of what is wrong with it longer than anyone reads.
 constexpr const char *cut_short = "(more refusals than are kept)";
@@ -46,7 +48,8 @@ void report_failure(const std::exception &problem, const cpath_ctx &ctx) noexcep
 {
     try {
         const auto *message = reinterpret_cast<const request *>(ctx.user);
-        message->result.refuse({ctx.stack[ctx.depth].node->name, "", "", std::string("nothing now: ") + problem.what()});
+        message->result.refuse(
+            {ctx.stack[ctx.depth].node->name, "", "", std::string("nothing now: ") + problem.what()});
     } catch (const std::exception &) {
         // Not even the refusal found memory; the handler's answer is logged by the dispatch.
     }
@@ -63,8 +66,14 @@ int guarded(bool set, json_object *args, cpath_ctx *ctx) noexcept
     }
 }
 
-int set_handler(json_object *args, cpath_ctx *ctx) { return guarded(true, args, ctx); }
-int no_handler(json_object *args, cpath_ctx *ctx) { return guarded(false, args, ctx); }
+int set_handler(json_object *args, cpath_ctx *ctx)
+{
+    return guarded(true, args, ctx);
+}
+int no_handler(json_object *args, cpath_ctx *ctx)
+{
+    return guarded(false, args, ctx);
+}
 
 // On one line and not endless, whatever a message held.
 std::string printable(const std::string &text)

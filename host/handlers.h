@@ -7,7 +7,8 @@
 
 #include <apconf/apconf.h>
 
-namespace apconf_host {
+namespace apconf_host
+{
 
 // One thing that a message asked for and did not get. A command is refused whole: nothing of it is changed.
 struct refusal {

@@ -9,9 +9,11 @@
 
 #include "block.h"
 
-namespace apconf_host {
+namespace apconf_host
+{
 
-namespace {
+namespace
+{
 
 // A variable list as the block holds it, whatever its records are.
 struct list_place {
@@ -22,73 +24,75 @@ struct list_place {
 list_place load_list(apconf_scope scope)
 {
     switch (scope) {
-    case APCONF_SCOPE_VLAN:
-        return {reinterpret_cast<char *>(root.config.vlan.list), root.config.vlan.count};
-    case APCONF_SCOPE_POOL:
-        return {reinterpret_cast<char *>(root.config.dhcp_server.pool.list), root.config.dhcp_server.pool.count};
-    case APCONF_SCOPE_IP_ACL:
-        return {reinterpret_cast<char *>(root.config.ip_acl.list), root.config.ip_acl.count};
-    default:
-        return {nullptr, 0};
+        case APCONF_SCOPE_VLAN:
+            return {reinterpret_cast<char *>(root.config.vlan.list), root.config.vlan.count};
+        case APCONF_SCOPE_POOL:
+            return {reinterpret_cast<char *>(root.config.dhcp_server.pool.list), root.config.dhcp_server.pool.count};
+        case APCONF_SCOPE_IP_ACL:
+            return {reinterpret_cast<char *>(root.config.ip_acl.list), root.config.ip_acl.count};
+        default:
+            return {nullptr, 0};
     }
 }
 
 void store_list(apconf_scope scope, list_place list)
 {
     switch (scope) {
-    case APCONF_SCOPE_VLAN:
-        root.config.vlan.list = reinterpret_cast<vlan_config *>(list.records);
-        root.config.vlan.count = list.count;
-        break;
-    case APCONF_SCOPE_POOL:
-        root.config.dhcp_server.pool.list = reinterpret_cast<pool_config *>(list.records);
-        root.config.dhcp_server.pool.count = list.count;
-        break;
-    case APCONF_SCOPE_IP_ACL:
-        root.config.ip_acl.list = reinterpret_cast<ip_acl_config *>(list.records);
-        root.config.ip_acl.count = list.count;
-        break;
-    default:
-        break;
+        case APCONF_SCOPE_VLAN:
+            root.config.vlan.list = reinterpret_cast<vlan_config *>(list.records);
+            root.config.vlan.count = list.count;
+            break;
+        case APCONF_SCOPE_POOL:
+            root.config.dhcp_server.pool.list = reinterpret_cast<pool_config *>(list.records);
+            root.config.dhcp_server.pool.count = list.count;
+            break;
+        case APCONF_SCOPE_IP_ACL:
+            root.config.ip_acl.list = reinterpret_cast<ip_acl_config *>(list.records);
+            root.config.ip_acl.count = list.count;
+            break;
+        default:
+            break;
     }
 }
 
 std::string key_of(apconf_scope scope, const char *record)
 {
     switch (scope) {
-    case APCONF_SCOPE_VLAN:
-        return std::to_string(reinterpret_cast<const vlan_config *>(record)->vlan_id);
-    case APCONF_SCOPE_POOL: {
-        const char *name = reinterpret_cast<const pool_config *>(record)->pool_name;
-        return name ? name : "";
-    }
-    case APCONF_SCOPE_IP_ACL:
-        return std::to_string(reinterpret_cast<const ip_acl_config *>(record)->identify);
-    default:
-        return "";
+        case APCONF_SCOPE_VLAN:
+            return std::to_string(reinterpret_cast<const vlan_config *>(record)->vlan_id);
+        case APCONF_SCOPE_POOL: {
+            const char *name = reinterpret_cast<const pool_config *>(record)->pool_name;
+            return name ? name : "";
+        }
+        case APCONF_SCOPE_IP_ACL:
+            return std::to_string(reinterpret_cast<const ip_acl_config *>(record)->identify);
+        default:
+            return "";
     }
 }
 
-uint32_t number(const std::string &key) { return static_cast<uint32_t>(strtoul(key.c_str(), nullptr, 10)); }
+uint32_t number(const std::string &key)
+{
+    return static_cast<uint32_t>(strtoul(key.c_str(), nullptr, 10));
+}
 
 void set_key(apconf_scope scope, char *record, const std::string &key)
 {
     switch (scope) {
-    case APCONF_SCOPE_VLAN:
-        reinterpret_cast<vlan_config *>(record)->vlan_id = number(key);
-        break;
-    case APCONF_SCOPE_POOL: {
-        char *name = strdup(key.c_str());
-        if (!name) throw std::bad_alloc();
-        reinterpret_cast<pool_config *>(record)->pool_name = name;
-        break;
-    }
-    case APCONF_SCOPE_IP_ACL:
-        reinterpret_cast<ip_acl_config *>(record)->identify = number(key);
-        reinterpret_cast<ip_acl_config *>(record)->ace_count = 0;
-        break;
-    default:
-        break;
+        case APCONF_SCOPE_VLAN:
+            reinterpret_cast<vlan_config *>(record)->vlan_id = number(key);
+            break;
+        case APCONF_SCOPE_POOL: {
+            char *name = strdup(key.c_str());
+            if (!name) throw std::bad_alloc();
+            reinterpret_cast<pool_config *>(record)->pool_name = name;
+            break;
+        }
+        case APCONF_SCOPE_IP_ACL:
+            reinterpret_cast<ip_acl_config *>(record)->identify = number(key);
+            break;
+        default:
+            break;
     }
 }
 
@@ -112,22 +116,7 @@ const char *index_key(const apconf_command &package)
 
 uint32_t &slot_of(apconf_scope scope, lookup_ctx &lookup)
 {
-    switch (scope) {
-    case APCONF_SCOPE_BSS:
-        return lookup.wlan;
-    case APCONF_SCOPE_ETHERNET:
-        return lookup.ethernet;
-    case APCONF_SCOPE_FTP:
-        return lookup.ftp;
-    case APCONF_SCOPE_VLAN:
-        return lookup.vlan;
-    case APCONF_SCOPE_POOL:
-        return lookup.pool;
-    case APCONF_SCOPE_IP_ACL:
-        return lookup.ip_acl;
-    default:
-        return lookup.radio;
-    }
+    return *apconf_scope_slot(scope, &lookup);
 }
 
 std::string instance_name(apconf_scope scope, const lookup_ctx &lookup)
@@ -140,7 +129,10 @@ std::string instance_name(apconf_scope scope, const lookup_ctx &lookup)
                                                     : "";
 }
 
-int32_t list_count(apconf_scope scope) { return load_list(scope).count; }
+int32_t list_count(apconf_scope scope)
+{
+    return load_list(scope).count;
+}
 
 char *list_record(apconf_scope scope, int32_t position)
 {

@@ -8,14 +8,15 @@
 
 #include <apconf/apconf.h>
 
-namespace apconf_host {
+namespace apconf_host
+{
 
 bool is_iterating(const apconf_command &command);
 
 // The name of a package's index key, such as "radio_id".
 const char *index_key(const apconf_command &package);
 
-// Where the lookup context holds the chosen instance.
+// Where the lookup context holds the chosen instance of an iterating package.
 uint32_t &slot_of(apconf_scope scope, lookup_ctx &lookup);
 
 // The chosen instance as paths show it: "0", "guests".

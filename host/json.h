@@ -7,7 +7,8 @@
 #include <optional>
 #include <string>
 
-namespace apconf_host {
+namespace apconf_host
+{
 
 struct json_release {
     void operator()(json_object *object) const { json_object_put(object); }
@@ -27,17 +28,17 @@ inline json_object *member(json_object *object, const char *key)
 inline std::optional<std::string> scalar_text(json_object *value)
 {
     switch (json_object_get_type(value)) {
-    case json_type_string: {
-        std::string text(json_object_get_string(value), static_cast<size_t>(json_object_get_string_len(value)));
-        if (text.find('\0') != std::string::npos) return std::nullopt;
-        return text;
-    }
-    case json_type_int:
-    case json_type_double:
-    case json_type_boolean:
-        return json_object_get_string(value);
-    default:
-        return std::nullopt;
+        case json_type_string: {
+            std::string text(json_object_get_string(value), static_cast<size_t>(json_object_get_string_len(value)));
+            if (text.find('\0') != std::string::npos) return std::nullopt;
+            return text;
+        }
+        case json_type_int:
+        case json_type_double:
+        case json_type_boolean:
+            return json_object_get_string(value);
+        default:
+            return std::nullopt;
     }
 }
 

@@ -9,9 +9,11 @@
 #include "instances.h"
 #include "json.h"
 
-namespace apconf_host {
+namespace apconf_host
+{
 
-namespace {
+namespace
+{
 
 // The index value in the arguments: of a list of argument objects, the one that all give. Null: not there.
 json_object *index_value(const call &call, json_object *args, bool &agree)
@@ -34,11 +36,15 @@ std::optional<std::string> read_instance(const call &call, json_object *args)
     bool agree = true;
     json_object *value = index_value(call, args, agree);
     if (value && agree) return read_index(call.node, field, call.path, value, call.message.result);
-    call.refuse(field.key, "", agree ? accepted_value(call.node, field) + ": this key is needed" : "the same in all entries");
+    call.refuse(field.key, "",
+                agree ? accepted_value(call.node, field) + ": this key is needed" : "the same in all entries");
     return std::nullopt;
 }
 
-uint32_t number(const std::string &index) { return static_cast<uint32_t>(strtoul(index.c_str(), nullptr, 10)); }
+uint32_t number(const std::string &index)
+{
+    return static_cast<uint32_t>(strtoul(index.c_str(), nullptr, 10));
+}
 
 bool in_array(const call &call, const std::string &index)
 {
@@ -156,12 +162,12 @@ int enter_package(const call &call, json_object *args)
     json_object *option = member(args, ".OPT");
     if (option && !is_removal(args)) return call.refuse(".OPT", shown(option), "no or noall");
     switch (call.command.variant) {
-    case APCONF_RECORD_NODE:
-        return enter_record(call, args);
-    case APCONF_LIST_NODE:
-        return enter_element(call, args);
-    default:
-        return call::done;
+        case APCONF_RECORD_NODE:
+            return enter_record(call, args);
+        case APCONF_LIST_NODE:
+            return enter_element(call, args);
+        default:
+            return call::done;
     }
 }
 

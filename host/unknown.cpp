@@ -6,11 +6,16 @@
 #include "instances.h"
 #include "json.h"
 
-namespace apconf_host {
+namespace apconf_host
+{
 
-namespace {
+namespace
+{
 
-bool is_header(const std::string &name) { return name == "MODULE" || name == "ACTION"; }
+bool is_header(const std::string &name)
+{
+    return name == "MODULE" || name == "ACTION";
+}
 
 // Of an instance's INDEX object: its package's key and ".OPT" are all it may hold.
 void check_index(json_object *index, const apconf_command *package, const std::string &path, outcome &outcome)
