@@ -88,7 +88,10 @@ void service::set(const client_record &client, const std::string &data)
     }
     const std::string sender = info.module ? one_line(info.module, IO_MODULE_SIZE - 1) : "UNKNOWN";
     outcome result;
-    apply_message(message.get(), result);
+    {
+        const quiet_log quiet(LOG_CRIT);
+        apply_message(message.get(), result);
+    }
     if (result.changes > 0) state_.mark_changed();
     SERVER_LOG(LOG_INFO, "set from %s: %u changes, %zu refusals", sender.c_str(), result.changes,
                result.refusals.size());
@@ -101,6 +104,7 @@ reply service::get(const std::string &data)
     cmesage_info info;
     if (get_cmesage_info(message.get(), &info) != 0) return {reply_code::bad_message, {}};
     if (!info.is_get) return {reply_code::not_a_get, {}};
+    const quiet_log quiet;
     const json_ptr answer(answer_get(message.get()));
     if (!answer) return {reply_code::bad_message, {}};
     const char *const text = json_object_to_json_string_ext(answer.get(), JSON_C_TO_STRING_PLAIN);
