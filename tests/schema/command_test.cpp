@@ -8,6 +8,7 @@
 
 #include "apconf/command.h"
 #include "apconf/ptype.h"
+#include "support/cmd_nodes.h"
 #include "support/log_capture.h"
 #include "util/owners.h"
 
@@ -37,7 +38,7 @@ protected:
         ctx.stack[3].node = &node;
     }
 
-    struct cmd_node node = {.name = "speed_cmd"};
+    struct cmd_node node = apconf_test::command("speed_cmd");
     struct cpath_ctx ctx = {};
     log_capture log;
 };
@@ -185,10 +186,10 @@ TEST_F(Arguments, AValueBecomesAJsonString)
 TEST_F(Arguments, AValueThatDoesNotConvertIsNull)
 {
     const int32_t unknown = 99;
-    EXPECT_EQ(convert_ptype_value_to_obj(PTYPE_STATUS, &unknown), nullptr);
-    EXPECT_TRUE(log.has(LOG_ERR, "convert_ptype_value_to_obj", "convert 'STATUS' value failed"));
+    EXPECT_EQ(convert_ptype_value_to_obj(PTYPE_MONTH, &unknown), nullptr);
+    EXPECT_TRUE(log.has(LOG_ERR, "convert_ptype_value_to_obj", "convert 'MONTH' value failed"));
     log.clear();
-    EXPECT_EQ(convert_ptype_value_to_obj(PTYPE_STATUS, nullptr), nullptr);
+    EXPECT_EQ(convert_ptype_value_to_obj(PTYPE_MONTH, nullptr), nullptr);
     EXPECT_EQ(convert_ptype_value_to_obj(PTYPE_RAW_JSON, nullptr), nullptr);
     EXPECT_EQ(convert_ptype_value_to_obj(83, nullptr), nullptr);
     EXPECT_TRUE(log.lines().empty());
@@ -250,13 +251,13 @@ TEST_F(Arguments, AFailedAddLeavesTheSlotAsItWas)
 {
     const int32_t unknown = 99;
     json_object *slot = nullptr;
-    EXPECT_EQ(add_arg_value(&slot, PTYPE_STATUS, &unknown), -1);
+    EXPECT_EQ(add_arg_value(&slot, PTYPE_MONTH, &unknown), -1);
     EXPECT_TRUE(log.has(LOG_ERR, "add_arg_value", "add value to object failed"));
     EXPECT_EQ(add_arg_string(&slot, PTYPE_STATUS, "maybe"), -1);
     EXPECT_TRUE(log.has(LOG_ERR, "add_arg_string", "add string value to object failed"));
     EXPECT_EQ(slot, nullptr);
     EXPECT_EQ(add_arg_string(&slot, PTYPE_STATUS, "enable"), 0);
-    EXPECT_EQ(add_arg_value(&slot, PTYPE_STATUS, &unknown), -1);
+    EXPECT_EQ(add_arg_value(&slot, PTYPE_MONTH, &unknown), -1);
     EXPECT_EQ(plain(slot), R"("enable")");
     json_object_put(slot);
 }
@@ -279,7 +280,7 @@ TEST_F(Arguments, AFailedReplaceLeavesTheSlotNull)
     const int32_t unknown = 99;
     json_object *old = json_object_new_string("old");
     json_object *slot = json_object_get(old);
-    EXPECT_EQ(arg_value2obj(&slot, PTYPE_STATUS, &unknown), -1);
+    EXPECT_EQ(arg_value2obj(&slot, PTYPE_MONTH, &unknown), -1);
     EXPECT_EQ(slot, nullptr);
     EXPECT_TRUE(log.has(LOG_ERR, "arg_value2obj", "convert value to object failed"));
     slot = json_object_get(old);
@@ -331,10 +332,10 @@ TEST_F(Arguments, PutValueReportsEachFailure)
 {
     const json_ptr args(json_object_new_object());
     const int32_t unknown = 99;
-    EXPECT_EQ(put_arg_value(nullptr, PTYPE_STATUS, "limit", &unknown), nullptr);
+    EXPECT_EQ(put_arg_value(nullptr, PTYPE_MONTH, "limit", &unknown), nullptr);
     EXPECT_TRUE(log.has(LOG_INFO, "put_arg_value", "put arg 'limit' value failed"));
-    EXPECT_EQ(put_arg_value(args.get(), PTYPE_STATUS, "limit", &unknown), nullptr);
-    EXPECT_TRUE(log.has(LOG_ERR, "put_arg_value", "convert 'STATUS' arg 'limit' value failed"));
+    EXPECT_EQ(put_arg_value(args.get(), PTYPE_MONTH, "limit", &unknown), nullptr);
+    EXPECT_TRUE(log.has(LOG_ERR, "put_arg_value", "convert 'MONTH' arg 'limit' value failed"));
     EXPECT_EQ(put_arg_value(args.get(), PTYPE_UINT, "limit", nullptr), nullptr);
     EXPECT_TRUE(log.has(LOG_ERR, "put_arg_value", "convert 'UINT' arg 'limit' value failed"));
     EXPECT_EQ(put_arg_value(args.get(), 83, "limit", &unknown), nullptr);

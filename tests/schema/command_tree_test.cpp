@@ -6,13 +6,17 @@
 #include <cstring>
 
 #include "apconf/command_tree.h"
+#include "support/cmd_nodes.h"
 
 namespace
 {
 
-struct cmd_node leaf_commands[] = {{.name = "ssid_cmd"}, {.name = "hide_cmd"}, {}};
-struct cmd_node top_commands[] = {
-    {.name = "config", .children = leaf_commands}, {.name = "config"}, {.name = "Config"}, {}};
+using apconf_test::command;
+using apconf_test::package;
+using apconf_test::with_params;
+
+struct cmd_node leaf_commands[] = {command("ssid_cmd"), command("hide_cmd"), {}};
+struct cmd_node top_commands[] = {package("config", leaf_commands), command("config"), command("Config"), {}};
 
 uint8_t option_bits(const char *text)
 {
@@ -39,7 +43,7 @@ TEST(CommandTree, RegisteringAgainReplacesTheTable)
 
 TEST(CommandTree, SearchFindsTheFirstChildOfExactlyThatName)
 {
-    struct cmd_node root = {.name = "root", .children = top_commands};
+    struct cmd_node root = package("root", top_commands);
     EXPECT_EQ(search_child_cmd(&root, "config"), &top_commands[0]);
     EXPECT_EQ(search_child_cmd(&root, "Config"), &top_commands[2]);
     EXPECT_EQ(search_child_cmd(&root, "conf"), nullptr);
@@ -49,7 +53,7 @@ TEST(CommandTree, SearchFindsTheFirstChildOfExactlyThatName)
 
 TEST(CommandTree, SearchWithoutANameANodeOrChildrenFindsNothing)
 {
-    struct cmd_node root = {.name = "root", .children = top_commands};
+    struct cmd_node root = package("root", top_commands);
     EXPECT_EQ(search_child_cmd(&root, nullptr), nullptr);
     EXPECT_EQ(search_child_cmd(nullptr, "config"), nullptr);
     EXPECT_EQ(search_child_cmd(&leaf_commands[0], "config"), nullptr);
@@ -145,7 +149,8 @@ TEST(ReleasingParameters, OfANodeOnlyTheFirstRecordIsReleased)
     params[0].default_value = json_object_get(first);
     params[1].name = strdup("second");
     params[1].default_value = second;
-    struct cmd_node node = {.name = "x_cmd", .repeat = 3, .params = params, .param_count = 2};
+    struct cmd_node node = with_params(command("x_cmd"), params, 2);
+    node.repeat = 3;
 
     free_command(&node);
     EXPECT_EQ(node.params, nullptr);
@@ -163,9 +168,8 @@ TEST(ReleasingParameters, ChildrenAreReleasedToo)
     deep_param.name = strdup("deep");
     struct cmd_param second_param = {};
     second_param.name = strdup("second");
-    struct cmd_node deep[] = {{.name = "deep_cmd", .params = &deep_param, .param_count = 1}, {}};
-    struct cmd_node children[] = {
-        {.name = "package", .children = deep}, {.name = "second_cmd", .params = &second_param, .param_count = 1}, {}};
+    struct cmd_node deep[] = {with_params(command("deep_cmd"), &deep_param, 1), {}};
+    struct cmd_node children[] = {package("package", deep), with_params(command("second_cmd"), &second_param, 1), {}};
     register_root_cmd(children);
     free_cmd_tree();
     EXPECT_EQ(deep[0].params, nullptr);

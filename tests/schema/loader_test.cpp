@@ -11,6 +11,7 @@
 
 #include "apconf/command_tree.h"
 #include "apconf/ptype.h"
+#include "support/cmd_nodes.h"
 #include "support/log_capture.h"
 
 // Releasing the tree keeps all but the first parameter of a node.
@@ -23,16 +24,17 @@ extern "C" const char *__lsan_default_suppressions()
 namespace
 {
 
+using apconf_test::command;
 using apconf_test::log_capture;
+using apconf_test::package;
 using testing::ElementsAre;
 
 constexpr char schema_path[] = "/etc/config_cmd_tree.xml";
 
-struct cmd_node bss_table[] = {{.name = "ssid_cmd"}, {.name = "hide_cmd"}, {}};
-struct cmd_node radio_table[] = {{.name = "channel_cmd"}, {.name = "bss", .children = bss_table}, {}};
-struct cmd_node config_table[] = {
-    {.name = "radio", .children = radio_table}, {.name = "host_cmd"}, {.name = "BODY"}, {}};
-struct cmd_node root_table[] = {{.name = "config", .children = config_table}, {}};
+struct cmd_node bss_table[] = {command("ssid_cmd"), command("hide_cmd"), {}};
+struct cmd_node radio_table[] = {command("channel_cmd"), package("bss", bss_table), {}};
+struct cmd_node config_table[] = {package("radio", radio_table), command("host_cmd"), command("BODY"), {}};
+struct cmd_node root_table[] = {package("config", config_table), {}};
 
 struct cmd_node &channel_cmd = radio_table[0];
 struct cmd_node &host_cmd = config_table[1];
