@@ -1,6 +1,6 @@
 // One get of one command over the socket, both processes on one CPU, against the same bytes sent back and forth with a
-// JSON parse and a serialisation at both ends. The server is one made of the library alone, and the program that the
-// command line names.
+// JSON parse and a serialisation at both ends. The server is one made of the library alone and, beside it, the program
+// that the command line names.
 #include <apconf/apconf.h>
 #include <json-c/json.h>
 #include <sys/socket.h>

@@ -34,7 +34,7 @@ run conversions
 run schema_load
 run queue_append
 if [ -x "$build/host/apconfd" ]; then
-    run round_trip "$build/host/apconfd"
+    run round_trip "$build/host/apconfd" --foreground
 else
     run round_trip
 fi
