@@ -1,5 +1,6 @@
 // The table of all ptypes, built from the two lists of ptype.h and placed by number, and what dispatches on it.
 #include <cstring>
+#include <utility>
 
 #include "apconf/ptype.h"
 #include "ptype/define_check.h"
