@@ -17,7 +17,8 @@ std::string one_line(std::string_view text, size_t limit = 1024);
 
 // Keeps everything below `least` out of the log while it lives: the library has a line for each command that it walks
 // over. Without effect when the log is to show everything, debug lines included.
-class quiet_log {
+class quiet_log
+{
 public:
     explicit quiet_log(int least = LOG_WARNING);
     ~quiet_log() { setlogmask(mask_); }

@@ -261,7 +261,8 @@ constexpr auto build_commands(std::integer_sequence<int, number...>)
         }                                                                               \
     };
 
-// The table is built as one object and exported under the array's name.
+// The table is built as one object and exported under the array's name. The description names it by that: a program that
+// refers to the array may have made it its own copy, which is then the one that everybody uses.
 #define END_PACKAGE(name)                                                               \
     using numbers = std::make_integer_sequence<int, __COUNTER__ - first_entry>;         \
     constexpr auto commands = build_commands<entry>(numbers{});                         \
@@ -271,7 +272,7 @@ constexpr auto build_commands(std::integer_sequence<int, number...>)
     extern "C" {                                                                        \
     constinit auto apconf_table_##name = build_table<entry>(numbers{});                 \
     }                                                                                   \
-    constinit const apconf_package package_##name = {#name, apconf_table_##name.data(), commands.data(), commands.size()}; \
+    constinit const apconf_package package_##name = {#name, lib_pkg_##name, commands.data(), commands.size()}; \
     }                                                                                   \
     extern "C" cmd_node lib_pkg_##name[apconf::commands.size() + 1] __attribute__((alias("apconf_table_" #name)));
 
