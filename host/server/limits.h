@@ -16,8 +16,8 @@ inline constexpr size_t message_data = 4u << 20;
 // The values in one message, and the list elements in one get: each costs the work of a command, or of a whole package,
 // and while one message is carried out all other clients wait. The longest list of a command has 256 elements; larger
 // configurations come through the queue.
-inline constexpr size_t message_values = 16384;
-inline constexpr size_t get_elements = 64;
+inline constexpr size_t message_values = 8192;
+inline constexpr size_t get_elements = 40;
 
 // A message is complete this long after its first byte, or the client is dropped.
 inline constexpr std::chrono::milliseconds message_time = 5s;

@@ -19,7 +19,12 @@ using testing::HasSubstr;
 namespace
 {
 
+// Of the server as it ships; one built for the debugger or the sanitizers is several times slower.
+#if defined(__OPTIMIZE__) && !defined(__SANITIZE_ADDRESS__)
 constexpr auto allowed_delay = 100ms;
+#else
+constexpr auto allowed_delay = 500ms;
+#endif
 
 // Asks on a connection of its own as fast as a client of the library would, and notes how long each answer took.
 class observer
@@ -335,7 +340,7 @@ TEST_F(hostile, expensive_messages_delay_nobody)
     ASSERT_TRUE(server.wait_for_log("applied message 1"));
     observer other;
     const raw_client client;
-    for (const size_t values : {7000u, 190000u}) {
+    for (const size_t values : {3500u, 160000u}) {
         std::string unknown;
         for (size_t i = 0; i < 2 * values; ++i) unknown += (i ? ",\"a" : "\"a") + std::to_string(i) + "\":1";
         for (const std::string &config :
@@ -344,13 +349,13 @@ TEST_F(hostile, expensive_messages_delay_nobody)
             ASSERT_TRUE(client.send_message(IO_MSG_SET, with_nul(R"({"ACTION":"set","config":)" + config + "}")));
     }
     ASSERT_EQ(client.request(IO_MSG_REGISTER, with_nul("dear"))->code, 0);
-    EXPECT_TRUE(server.wait_for_log("sent a set message of more than 16384 values: refused"));
+    EXPECT_TRUE(server.wait_for_log("sent a set message of more than 8192 values: refused"));
 
     const auto get = [&](size_t elements) {
         return client.request(IO_MSG_GET, with_nul(R"({"ACTION":"get","config":[)" + repeated("{}", elements) + "]}"));
     };
-    for (const size_t elements : {65u, 10000u, 1000000u}) EXPECT_EQ(get(elements)->code, 3);
-    const auto answer = get(64);
+    for (const size_t elements : {41u, 10000u, 1000000u}) EXPECT_EQ(get(elements)->code, 3);
+    const auto answer = get(40);
     EXPECT_EQ(answer->code, 0);
     EXPECT_GT(answer->data.size(), 10000u);
     EXPECT_EQ(client.request(IO_MSG_GET, get_message("/"))->code, 0);
