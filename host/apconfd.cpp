@@ -151,7 +151,6 @@ int run(int argc, char **argv)
         return 1;
     }
     release_configuration();
-    free_cmd_tree();
     return 0;
 }
 
