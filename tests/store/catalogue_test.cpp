@@ -107,6 +107,13 @@ bool is_node(const apconf_command &command)
     return command.variant >= APCONF_PACKAGE_NODE;
 }
 
+// The tables by the names that programs use. A program that names one may hold a copy of it, which then is the table.
+const std::map<std::string, cmd_node *> exported = {
+#define EXPORTED_TABLE(name) {#name, lib_pkg_##name},
+    APCONF_PACKAGES(EXPORTED_TABLE)
+#undef EXPORTED_TABLE
+};
+
 TEST_F(catalogue_test, the_list_is_whole)
 {
     size_t records = 0, nodes = 0;
@@ -121,11 +128,6 @@ TEST_F(catalogue_test, the_list_is_whole)
 
 TEST_F(catalogue_test, the_tables_hold_the_listed_records_in_order)
 {
-    const std::map<std::string, cmd_node *> exported = {
-#define EXPORTED_TABLE(name) {#name, lib_pkg_##name},
-        APCONF_PACKAGES(EXPORTED_TABLE)
-#undef EXPORTED_TABLE
-    };
     ASSERT_EQ(exported.size(), listed.size());
     std::set<decltype(cmd_node::get)> handlers;
     for (const auto &[package, records] : listed) {
@@ -162,6 +164,7 @@ TEST_F(catalogue_test, no_two_records_of_a_table_share_a_name)
 TEST_F(catalogue_test, each_record_leads_to_its_description)
 {
     for (const apconf_package *package : apconf_packages) {
+        EXPECT_EQ(package->table, exported.at(package->name));
         EXPECT_EQ(package->command_count, listed.at(package->name).size());
         for (uint32_t i = 0; i < package->command_count; i++) {
             EXPECT_EQ(apconf_find_command(&package->table[i]), &package->commands[i]);
