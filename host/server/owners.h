@@ -14,7 +14,7 @@ namespace apconf_host
 struct json_release {
     void operator()(json_object *object) const { json_object_put(object); }
 };
-using json_owner = std::unique_ptr<json_object, json_release>;
+using json_ptr = std::unique_ptr<json_object, json_release>;
 
 struct file_release {
     void operator()(FILE *file) const { fclose(file); }
