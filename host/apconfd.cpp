@@ -150,7 +150,7 @@ int run(int argc, char **argv)
         if (options.verbosity == 0) fprintf(stderr, "apconfd: %s\n", error.what());
         return 1;
     }
-    release_unreleased();
+    release_configuration();
     free_cmd_tree();
     return 0;
 }

@@ -110,14 +110,14 @@ void put_values(const report &report, json_object *&object, const apconf_field &
         LOG_AS(report.handler, LOG_ERR, "create_argv_obj failed");
         return;
     }
-    json_object_object_add(object, field.key, array.release());
+    if (json_object_object_add(object, field.key, array.get()) == 0) array.release();
 }
 
 void put_object(const report &report, json_object *&object, const apconf_field &field, char *ours)
 {
     if (!object_of(report, object)) return;
     LOG_PUT(report, "object", field);
-    json_object_object_add(object, field.key, load<json_object *>(ours));
+    if (json_object_object_add(object, field.key, load<json_object *>(ours)) != 0) return;
     memset(ours, 0, sizeof(void *));  // the message owns it now
 }
 
@@ -363,7 +363,7 @@ bool rebuild_reference(const report &report, const list_view &list)
     list_view reference(const_cast<char *>(report.reference) + report.command.array.offset);
     void *const old = reference.list();
     reference.store(elements, static_cast<int32_t>(list.count()));
-    free(old);
+    if (old != list.list()) free(old);  // a list that both blocks share is root's from now on
     return true;
 }
 

@@ -190,6 +190,17 @@ void release_global_members()
     release_record(function, global_steps, bytes_of(&ours), bytes_of(&reference));
 }
 
+struct queued_message {
+    json_object *message;
+    int result;  // of writing it
+};
+
+int put_message(void *arg, int index)
+{
+    auto *const queued = static_cast<queued_message *>(arg);
+    return queued->result = cmq_put_cmessage(queued->message, index);
+}
+
 // Queues what differs as one message. Returns its index, or -1.
 int queue_changes()
 {
@@ -205,7 +216,10 @@ int queue_changes()
     package_get_all(&tree, message.get(), &ctx);
     json_object_object_add(message.get(), "MODULE", json_object_new_string(get_io_module()));
     json_object_object_add(message.get(), "ACTION", json_object_new_string("set"));
-    return cmq_handle_cmessage(cmq_put_cmessage, message.get());
+    // The queue gives an index also to a message that could not be written.
+    queued_message queued = {message.get(), -1};
+    const int index = cmq_handle_cmessage(put_message, &queued);
+    return queued.result < 0 ? -1 : index;
 }
 
 }  // namespace

@@ -65,8 +65,9 @@ void unset_field(const apconf_field &field, char *place)
 
 void unset_command(const apconf_command &command, char *record)
 {
-    if (command.variant == APCONF_LIST_NODE || command.variant == APCONF_RECORD_NODE) return;
-    if (command.variant == APCONF_PACKED_LIST && command.zero_unset) memset(record + command.option, 0, 4);
+    const bool zero_option = command.variant == APCONF_COUNTED_ARRAY ||
+                             (command.variant == APCONF_PACKED_LIST && command.zero_unset);
+    if (zero_option) memset(record + command.option, 0, sizeof(uint32_t));
     if (command.zero_unset) {
         memset(record + command.array.offset, 0, size_t{command.array.step} * command.array.count);
         return;

@@ -52,7 +52,7 @@ queue_drain::queue_drain(event_base *base, running_state &state, size_t archive_
     : state_(state),
       old_(CMQ_OLD_DIR, ".json", archive_limit),
       bad_(CMQ_BAD_DIR, ".txt", archive_limit),
-      turn_timer_(base, [this] { turn(); })
+      turn_timer_(base, [this] { turn_or_retry(); })
 {
 }
 
@@ -121,16 +121,27 @@ void queue_drain::apply_unrecorded()
     const int current = cmq_get_current_index();
     for (const int index : numbers_in(CMQ_NEW_DIR, ".json")) {
         if (index <= state_.applied() || index >= current) continue;
-        const json_owner message(json_object_from_file(numbered_file(CMQ_NEW_DIR, index, ".json").c_str()));
+        const json_ptr message(json_object_from_file(numbered_file(CMQ_NEW_DIR, index, ".json").c_str()));
         if (!message) {
             note_unreadable(index, index + 1);
             continue;
         }
         SERVER_LOG(LOG_INFO, "applying message %d anew", index);
         apply(index, message.get());
-        if (unfinished_.index != 0) return;
+        caught_up_ = unfinished_.index == 0;
+        if (!caught_up_) return;
     }
     caught_up_ = true;
+}
+
+void queue_drain::turn_or_retry()
+{
+    try {
+        turn();
+    } catch (...) {
+        turn_timer_.start(limits::write_retry);
+        throw;
+    }
 }
 
 void queue_drain::turn()
@@ -163,7 +174,7 @@ void queue_drain::fetch_one()
 {
     const int expected = cmq_get_current_index();
     int index = 0;
-    const json_owner message(cmq_fetch_a_message(&index));
+    const json_ptr message(cmq_fetch_a_message(&index));
     note_unreadable(expected, message ? index : cmq_get_current_index());
     if (message) apply(index, message.get());
 }
@@ -183,9 +194,11 @@ void queue_drain::note_unreadable(int first, int end)
 void queue_drain::apply(int index, json_object *message)
 {
     unfinished_ = {};
-    unfinished_.index = index;
     unfinished_.module = module_of(message);
+    caught_up_ = false;  // should memory be too short to apply it, it stays to be applied
     apply_message(message, unfinished_.result);
+    caught_up_ = true;
+    unfinished_.index = index;
     finish();
 }
 

@@ -34,6 +34,7 @@ private:
     void queue_start_configuration();
     void apply_unrecorded();
     void tidy();
+    void turn_or_retry();
     void turn();
     bool pending() const;
     void fetch_one();

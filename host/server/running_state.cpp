@@ -19,21 +19,21 @@ namespace
 
 constexpr const char *state_path = CMQ_DIR "/running.json";
 
-json_owner new_object()
+json_ptr new_object()
 {
-    json_owner object(json_object_new_object());
+    json_ptr object(json_object_new_object());
     if (!object) throw std::bad_alloc();
     return object;
 }
 
 // Takes the object under "config" out of a loaded file, as a reference of its own.
-json_owner config_of(json_object *file)
+json_ptr config_of(json_object *file)
 {
     json_object *config = nullptr;
     if (!json_object_is_type(file, json_type_object) || !json_object_object_get_ex(file, "config", &config) ||
         !json_object_is_type(config, json_type_object))
         return nullptr;
-    return json_owner(json_object_get(config));
+    return json_ptr(json_object_get(config));
 }
 
 int applied_of(json_object *file)
@@ -46,13 +46,13 @@ int applied_of(json_object *file)
 
 }  // namespace
 
-json_owner configuration_snapshot()
+json_ptr configuration_snapshot()
 {
     const quiet_log quiet;
-    json_owner snapshot(running_configuration());
-    if (snapshot) return snapshot;
-    snapshot = new_object();
-    json_object_object_add(snapshot.get(), "config", new_object().release());
+    json_ptr snapshot(running_configuration());
+    if (!snapshot) throw std::bad_alloc();
+    if (!json_object_object_get_ex(snapshot.get(), "config", nullptr))
+        json_object_object_add(snapshot.get(), "config", new_object().release());
     return snapshot;
 }
 
@@ -72,7 +72,7 @@ void running_state::restore(const archive &old)
 
 bool running_state::load_state_file(saved &result)
 {
-    const json_owner file(json_object_from_file(state_path));
+    const json_ptr file(json_object_from_file(state_path));
     if (file) {
         result.config = config_of(file.get());
         result.applied = result.config ? applied_of(file.get()) : -1;
@@ -86,7 +86,7 @@ bool running_state::load_newest(const archive &old, saved &result)
 {
     const auto &numbers = old.numbers();
     for (auto number = numbers.rbegin(); number != numbers.rend(); ++number) {
-        const json_owner file(json_object_from_file(numbered_file(CMQ_OLD_DIR, *number, ".json").c_str()));
+        const json_ptr file(json_object_from_file(numbered_file(CMQ_OLD_DIR, *number, ".json").c_str()));
         result.config = config_of(file.get());
         result.applied = *number;
         if (!result.config) continue;
@@ -99,7 +99,7 @@ bool running_state::load_newest(const archive &old, saved &result)
 void running_state::apply(const saved &saved)
 {
     if (json_object_object_length(saved.config.get()) == 0) return;
-    const json_owner message = new_object();
+    const json_ptr message = new_object();
     json_object_object_add(message.get(), "MODULE", json_object_new_string("apconfd"));
     json_object_object_add(message.get(), "ACTION", json_object_new_string("set"));
     json_object_object_add(message.get(), "config", json_object_get(saved.config.get()));
@@ -128,8 +128,8 @@ void running_state::flush()
 
 bool running_state::write()
 {
-    const json_owner state = new_object();
-    const json_owner snapshot = configuration_snapshot();
+    const json_ptr state = new_object();
+    const json_ptr snapshot = configuration_snapshot();
     json_object_object_add(state.get(), "applied", json_object_new_int(applied_));
     json_object_object_add(state.get(), "config", config_of(snapshot.get()).release());
     const char *const text = json_object_to_json_string_ext(state.get(), JSON_C_TO_STRING_PLAIN);

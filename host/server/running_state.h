@@ -39,7 +39,7 @@ public:
 private:
     struct saved {
         int applied = 0;
-        json_owner config;  // what stands under "config"
+        json_ptr config;  // what stands under "config"
     };
     static bool load_state_file(saved &result);
     static bool load_newest(const archive &old, saved &result);
@@ -53,6 +53,6 @@ private:
 };
 
 // The running configuration as {"config": {...}}, also when everything is unset. Does not speak to the log.
-json_owner configuration_snapshot();
+json_ptr configuration_snapshot();
 
 }  // namespace apconf_host

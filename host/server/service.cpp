@@ -28,11 +28,11 @@ std::string_view text_of(const std::string &data)
 }
 
 // The one JSON object that the text consists of; nothing more may follow it.
-json_owner parse(std::string_view text)
+json_ptr parse(std::string_view text)
 {
     const std::unique_ptr<json_tokener, tokener_release> tokener(json_tokener_new());
     if (!tokener) return nullptr;
-    json_owner message(json_tokener_parse_ex(tokener.get(), text.data(), static_cast<int>(text.size())));
+    json_ptr message(json_tokener_parse_ex(tokener.get(), text.data(), static_cast<int>(text.size())));
     if (!message || text.substr(json_tokener_get_parse_end(tokener.get())).find_first_not_of(" \t\r\n") != text.npos)
         return nullptr;
     return json_object_is_type(message.get(), json_type_object) ? std::move(message) : nullptr;
@@ -80,7 +80,7 @@ reply service::register_module(client_record &client, const std::string &data)
 
 void service::set(const client_record &client, const std::string &data)
 {
-    const json_owner message = parse(text_of(data));
+    const json_ptr message = parse(text_of(data));
     cmesage_info info;
     if (get_cmesage_info(message.get(), &info) != 0 || info.is_get) {
         SERVER_LOG(LOG_WARNING, "'%s' sent what is no set message", client.module.c_str());
@@ -97,11 +97,11 @@ void service::set(const client_record &client, const std::string &data)
 
 reply service::get(const std::string &data)
 {
-    const json_owner message = parse(text_of(data));
+    const json_ptr message = parse(text_of(data));
     cmesage_info info;
     if (get_cmesage_info(message.get(), &info) != 0) return {reply_code::bad_message, {}};
     if (!info.is_get) return {reply_code::not_a_get, {}};
-    const json_owner answer(answer_get(message.get()));
+    const json_ptr answer(answer_get(message.get()));
     if (!answer) return {reply_code::bad_message, {}};
     const char *const text = json_object_to_json_string_ext(answer.get(), JSON_C_TO_STRING_PLAIN);
     if (!text) return {reply_code::failed, {}};
