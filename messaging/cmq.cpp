@@ -3,6 +3,7 @@
 #include "apconf/cmq.h"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <json-c/json.h>
 #include <sys/file.h>
 #include <unistd.h>
@@ -22,8 +23,9 @@ namespace apconf
 namespace
 {
 
-constexpr int short_line = 16;  // of an index file: 15 characters and the NUL
-constexpr int long_line = 64;
+// How many characters of an index file are looked at.
+constexpr size_t short_line = 15;
+constexpr size_t long_line = 63;
 constexpr size_t command_size = 128;
 
 using unique_dir = owner<DIR *, [](DIR *directory) { closedir(directory); }>;
@@ -56,12 +58,30 @@ message_path new_path(int index)
     return path_of(CMQ_NEW_DIR, index, ".json");
 }
 
-// The number in an open index file, read from a line of `line_size` at most; 0, logged, when there is none or it is
-// below `lowest`. INT_MAX is none either: no number follows it.
-int read_index(const char *function, FILE *file, const char *path, int line_size, int lowest)
+// Index files are a few bytes long and every append goes through one, so they are read and written without a stream.
+unique_fd open_index(const char *path, int flags)
 {
-    char line[long_line];
-    if (!fgets(line, line_size, file)) {
+    return unique_fd(open(path, flags | O_RDWR | O_CLOEXEC, 0666));
+}
+
+// The first line, at most `limit` characters of it. False: there is none.
+bool read_line(int fd, char (&line)[long_line + 1], size_t limit)
+{
+    ssize_t length;
+    do length = pread(fd, line, limit, 0);
+    while (length < 0 && errno == EINTR);
+    if (length <= 0) return false;
+    line[length] = '\0';
+    if (char *const end = strchr(line, '\n')) end[1] = '\0';
+    return true;
+}
+
+// The number in an open index file, taken from its first `limit` characters; 0, logged, when there is none or it is
+// below `lowest`. INT_MAX is none either: no number follows it.
+int read_index(const char *function, int fd, const char *path, size_t limit, int lowest)
+{
+    char line[long_line + 1];
+    if (!read_line(fd, line, limit)) {
         LOG_AS(function, LOG_ERR, "get message index from '%s' failed!", path);
         return 0;
     }
@@ -71,19 +91,23 @@ int read_index(const char *function, FILE *file, const char *path, int line_size
     return 0;
 }
 
-// Flushed here, so that the number is in the file before a lock is released.
-bool write_index(const char *function, FILE *file, const char *path, int index)
+// The number is in the file when this returns, and so before a lock is released.
+bool write_index(const char *function, int fd, const char *path, int index)
 {
-    rewind(file);
-    if (fprintf(file, "%d ", index) > 0 && fflush(file) == 0) return true;
+    char text[short_line + 1];
+    const int length = snprintf(text, sizeof text, "%d ", index);
+    ssize_t written;
+    do written = pwrite(fd, text, static_cast<size_t>(length), 0);
+    while (written < 0 && errno == EINTR);
+    if (written == length) return true;
     LOG_AS(function, LOG_ERR, "write '%s' failed!", path);
     return false;
 }
 
-bool lock(FILE *file)
+bool lock(int fd)
 {
     int result;
-    do result = flock(fileno(file), LOCK_EX);
+    do result = flock(fd, LOCK_EX);
     while (result < 0 && errno == EINTR);
     return result == 0;
 }
@@ -129,7 +153,7 @@ using namespace apconf;
 
 int get_message_index(const char *path)
 {
-    unique_file file(fopen(path, "r+"));
+    const unique_fd file = open_index(path, 0);
     if (!file) return -1;
     const int index = read_index(__func__, file.get(), path, short_line, INT_MIN);
     return index != 0 ? index : -1;
@@ -137,7 +161,7 @@ int get_message_index(const char *path)
 
 int set_message_index(const char *path, int n)
 {
-    unique_file file(fopen(path, "w+"));
+    const unique_fd file = open_index(path, O_CREAT | O_TRUNC);
     if (!file) {
         LOG(LOG_ERR, "open '%s failed!", path);  // kept: the closing quote is missing
         return -1;
@@ -173,7 +197,7 @@ int cmq_init(void)
 
 int cmq_handle_cmessage(cmq_put_fn *put, void *arg)
 {
-    unique_file file(fopen(CMQ_MAX_INDEX, "r+"));
+    const unique_fd file = open_index(CMQ_MAX_INDEX, 0);
     if (!file) {
         LOG(LOG_ERR, "open '%s failed!", CMQ_MAX_INDEX);  // kept: the closing quote is missing
         return -1;
@@ -191,7 +215,7 @@ int cmq_handle_cmessage(cmq_put_fn *put, void *arg)
         else if (!write_index(__func__, file.get(), CMQ_MAX_INDEX, index + 1))
             result = -1;
     }
-    flock(fileno(file.get()), LOCK_UN);
+    flock(file.get(), LOCK_UN);
     return result;
 }
 
@@ -218,7 +242,7 @@ int cmq_put_cmessage_start_config(void *file, int)
 
 struct json_object *cmq_fetch_a_message(int *index)
 {
-    unique_file file(fopen(CMQ_CUR_INDEX, "r+"));
+    const unique_fd file = open_index(CMQ_CUR_INDEX, 0);
     if (!file) {
         LOG(LOG_ERR, "open '%s' failed!", CMQ_CUR_INDEX);
         return nullptr;

@@ -26,12 +26,15 @@ struct cmesage_info {
 
 #pragma GCC visibility push(default)
 
-/* Reads a message's header. 0, or -1 when an argument is null or "CPATH" is no object with a "path" string. */
+/* Reads a message's header. 0, or -1 when an argument is null, and logged when the message is no object or its "CPATH"
+ * no object with a "path" string. */
 int get_cmesage_info(struct json_object *msg, struct cmesage_info *info);
 
 /* Dispatches a message over cmd_tree. `user` and `instance` are handed to the handlers; the change handlers need
  * `instance` to be a struct lookup_ctx (config_data.h). For a get `*out` receives a new object that the caller
- * releases. Returns 0, or -1; what single handlers answered is logged, not returned. */
+ * releases, and that is left null or as it was when the result is -1. A single command needs `out` for a set too.
+ * Returns 0, or -1; what single handlers answered is logged, not returned. "param" that is neither an object nor an
+ * array of objects is refused. */
 int cmessage_parser(const struct cmesage_info *info, struct json_object **out, uintptr_t user, void *instance);
 
 /* 1 when `obj` carries no content: null, empty, or nothing but "INDEX"; else 0. */

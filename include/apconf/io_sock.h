@@ -26,6 +26,12 @@ enum {
     IO_MSG_HOST_FIRST = 64
 };
 
+/* C++ compilers know a member without a length as an extension only. */
+#ifdef __cplusplus
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wpedantic"
+#endif
+
 /* The 12-byte header, in host byte order, and what follows it. */
 struct io_msg {
     uint8_t reserved0; /* 0 */
@@ -36,6 +42,10 @@ struct io_msg {
     uint32_t data_len; /* bytes that follow */
     char data[];       /* a received message has one NUL after data_len bytes */
 };
+
+#ifdef __cplusplus
+#pragma GCC diagnostic pop
+#endif
 
 enum { IO_MSG_HEADER_SIZE = 12, IO_MODULE_SIZE = 64 };
 

@@ -1,0 +1,111 @@
+// Carries out the messages of clients.
+#include "host/server/service.h"
+
+#include <apconf/cmessage.h>
+#include <apconf/io_sock.h>
+
+#include <memory>
+#include <string_view>
+
+#include "host/handlers.h"
+#include "host/server/log.h"
+#include "host/server/owners.h"
+#include "host/server/refusal_log.h"
+
+namespace apconf_host
+{
+namespace
+{
+
+struct tokener_release {
+    void operator()(json_tokener *tokener) const { json_tokener_free(tokener); }
+};
+
+// The data up to its NUL, or all of it: a sender may leave the NUL out.
+std::string_view text_of(const std::string &data)
+{
+    return std::string_view(data).substr(0, data.find('\0'));
+}
+
+// The one JSON object that the text consists of; nothing more may follow it.
+json_ptr parse(std::string_view text)
+{
+    const std::unique_ptr<json_tokener, tokener_release> tokener(json_tokener_new());
+    if (!tokener) return nullptr;
+    json_ptr message(json_tokener_parse_ex(tokener.get(), text.data(), static_cast<int>(text.size())));
+    if (!message || text.substr(json_tokener_get_parse_end(tokener.get())).find_first_not_of(" \t\r\n") != text.npos)
+        return nullptr;
+    return json_object_is_type(message.get(), json_type_object) ? std::move(message) : nullptr;
+}
+
+}  // namespace
+
+std::optional<reply> service::serve(client_record &client, uint8_t type, const std::string &data)
+{
+    auto result = dispatch(client, type, data);
+    if (result) state_.flush();
+    return result;
+}
+
+std::optional<reply> service::dispatch(client_record &client, uint8_t type, const std::string &data)
+{
+    switch (type) {
+        case IO_MSG_REGISTER:
+            return register_module(client, data);
+        case IO_MSG_UNREGISTER:
+            client.module.clear();
+            return std::nullopt;
+        case IO_MSG_APPLIED:
+            queue_.request();
+            return std::nullopt;
+        case IO_MSG_SET:
+            set(client, data);
+            return std::nullopt;
+        case IO_MSG_GET:
+            return get(data);
+        default:
+            SERVER_LOG(LOG_WARNING, "message of unknown type %d from '%s'", type, client.module.c_str());
+            return reply{reply_code::unknown_type, {}};
+    }
+}
+
+reply service::register_module(client_record &client, const std::string &data)
+{
+    const std::string_view name = text_of(data).substr(0, IO_MODULE_SIZE - 1);
+    if (name.empty()) return {reply_code::bad_message, {}};
+    client.module = one_line(name);
+    SERVER_LOG(LOG_INFO, "'%s' registered", client.module.c_str());
+    return {};
+}
+
+void service::set(const client_record &client, const std::string &data)
+{
+    const json_ptr message = parse(text_of(data));
+    cmesage_info info;
+    if (get_cmesage_info(message.get(), &info) != 0 || info.is_get) {
+        SERVER_LOG(LOG_WARNING, "'%s' sent what is no set message", client.module.c_str());
+        return;
+    }
+    const std::string sender = info.module ? one_line(info.module, IO_MODULE_SIZE - 1) : "UNKNOWN";
+    outcome result;
+    apply_message(message.get(), result);
+    if (result.changes > 0) state_.mark_changed();
+    SERVER_LOG(LOG_INFO, "set from %s: %u changes, %zu refusals", sender.c_str(), result.changes,
+               result.refusals.size());
+    log_refusals("set from " + sender, result.refusals);
+}
+
+reply service::get(const std::string &data)
+{
+    const json_ptr message = parse(text_of(data));
+    cmesage_info info;
+    if (get_cmesage_info(message.get(), &info) != 0) return {reply_code::bad_message, {}};
+    if (!info.is_get) return {reply_code::not_a_get, {}};
+    const json_ptr answer(answer_get(message.get()));
+    if (!answer) return {reply_code::bad_message, {}};
+    const char *const text = json_object_to_json_string_ext(answer.get(), JSON_C_TO_STRING_PLAIN);
+    if (!text) return {reply_code::failed, {}};
+    return {reply_code::ok, std::string(text, std::string_view(text).size() + 1)};  // with its NUL
+}
+
+}  // namespace apconf_host

@@ -1,0 +1,99 @@
+// Finds what a message names and the tree does not know. The dispatch passes over it without a word.
+#include <cstring>
+
+#include "expectation.h"
+#include "handlers.h"
+#include "instances.h"
+#include "json.h"
+
+namespace apconf_host
+{
+
+namespace
+{
+
+bool is_header(const std::string &name)
+{
+    return name == "MODULE" || name == "ACTION";
+}
+
+// Of an instance's INDEX object: its package's key and ".OPT" are all it may hold.
+void check_index(json_object *index, const apconf_command *package, const std::string &path, outcome &outcome)
+{
+    if (!json_object_is_type(index, json_type_object)) return;  // the package's handler refuses it
+    const char *known = package ? index_key(*package) : nullptr;
+    json_object_object_foreach(index, key, value)
+    {
+        (void)value;
+        if (strcmp(key, ".OPT") == 0 || (known && strcmp(key, known) == 0)) continue;
+        outcome.refuse({path, key, "", known ? std::string("the key ") + known : "no index key"});
+    }
+}
+
+void find_below(cmd_node &node, json_object *object, const std::string &path, outcome &outcome)
+{
+    const apconf_command *package = apconf_find_command(&node);
+    const char *own_key = package ? index_key(*package) : nullptr;
+    json_object_object_foreach(object, name, value)
+    {
+        if (path.empty() && is_header(name)) continue;
+        if (!path.empty() && strcmp(name, ".OPT") == 0) continue;
+        if (!path.empty() && strcmp(name, "INDEX") == 0) {
+            check_index(value, package, path, outcome);
+            continue;
+        }
+        // An instance without INDEX holds its key itself.
+        if (own_key && strcmp(name, own_key) == 0 && !member(object, "INDEX")) continue;
+        const std::string here = path.empty() ? name : path + "/" + name;
+        cmd_node *child = search_child_cmd(&node, name);
+        if (!child) {
+            outcome.refuse({here, "", "", accepted_command(node, path, name)});
+            continue;
+        }
+        int cursor = 0;
+        while (json_object *single = child->children ? get_json_obj(value, &cursor) : nullptr)
+            if (json_object_is_type(single, json_type_object)) find_below(*child, single, here, outcome);
+    }
+}
+
+// What a set of a package itself can mean: of a list, that the element exists.
+void check_package(const cmd_node &node, json_object *param, const std::string &path, outcome &outcome)
+{
+    const apconf_command *package = apconf_find_command(&node);
+    const auto option = scalar_text(member(param, ".OPT"));
+    if (option == "no" || option == "noall" || (package && package->variant == APCONF_LIST_NODE)) return;
+    outcome.refuse({path, "", "", accepted_command(node, path, "")});
+}
+
+void check_path(const char *text, json_object *param, outcome &outcome)
+{
+    cmd_node *node = get_cmd_tree();
+    std::string path;
+    std::string rest = text;
+    while (!rest.empty()) {
+        const size_t slash = rest.find('/');
+        const std::string name = rest.substr(0, slash);
+        rest = slash == std::string::npos ? "" : rest.substr(slash + 1);
+        if (name.empty()) continue;
+        const std::string below = path;
+        path += (path.empty() ? "" : "/") + name;
+        cmd_node *child = search_child_cmd(node, name.c_str());
+        if (!child) return outcome.refuse({path, "", "", accepted_command(*node, below, name)});
+        node = child;
+    }
+    if (node->children) check_package(*node, param, path.empty() ? "/" : path, outcome);
+}
+
+}  // namespace
+
+void find_unknown(json_object *message, outcome &outcome)
+{
+    cmesage_info info = {};
+    if (!json_object_is_type(message, json_type_object) || get_cmesage_info(message, &info) != 0) return;
+    if (info.has_cpath)
+        check_path(info.path, member(info.body, "param"), outcome);
+    else
+        find_below(*get_cmd_tree(), message, "", outcome);
+}
+
+}  // namespace apconf_host

@@ -1,0 +1,22 @@
+// auth_open_wpa: WPA, with a pre-shared key or 802.1X.
+#include "store/packages/package.h"
+
+PACKAGE(auth_open_wpa, BSS)
+// clang-format off
+
+COMMAND(wpa_type_cmd, group(),
+        FIELD("type", auth_open_wpa.wpa_type_cmd.type, WPA_TYPE),
+        FIELD("cipher", auth_open_wpa.wpa_type_cmd.cipher, CIPHER_TYPE),
+        FIELD("key_type", auth_open_wpa.wpa_type_cmd.key_type, WEP_KEY_TYPE),
+        TEXT("key", auth_open_wpa.wpa_type_cmd.key, secret))
+COMMAND(wpa_radius_auth_server_cmd, only_when_replaced(ARRAY(auth_open_wpa.wpa_radius_auth_server_cmd), AT(auth_open_wpa.wpa_radius_auth_server_cmd_opt)),
+        FIELD("ip", auth_open_wpa.wpa_radius_auth_server_cmd[i].ip, IPV4),
+        FIELD("port", auth_open_wpa.wpa_radius_auth_server_cmd[i].port, UINT),
+        TEXT("key", auth_open_wpa.wpa_radius_auth_server_cmd[i].key, secret))
+COMMAND(wpa_radius_acct_server_cmd, group(),
+        FIELD("ip", auth_open_wpa.wpa_radius_acct_server_cmd.ip, IPV4),
+        FIELD("port", auth_open_wpa.wpa_radius_acct_server_cmd.port, UINT),
+        TEXT("key", auth_open_wpa.wpa_radius_acct_server_cmd.key, secret))
+
+// clang-format on
+END_PACKAGE(auth_open_wpa)
