@@ -49,6 +49,7 @@ void find_below(cmd_node &node, json_object *object, const std::string &path, ou
     const char *own_key = package ? index_key(*package) : nullptr;
     json_object_object_foreach(object, name, value)
     {
+        if (outcome.refusals.size() >= outcome::MAX_REFUSALS) return;  // more would only cost time
         if (path.empty() && is_header(name)) continue;
         if (!path.empty() && strcmp(name, ".OPT") == 0) continue;
         if (!path.empty() && strcmp(name, "INDEX") == 0) {
