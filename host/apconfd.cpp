@@ -150,6 +150,7 @@ int run(int argc, char **argv)
         if (options.verbosity == 0) fprintf(stderr, "apconfd: %s\n", error.what());
         return 1;
     }
+    // The command tree ends with the process: free_cmd_tree would only lose track of most of it.
     release_configuration();
     return 0;
 }

@@ -9,11 +9,13 @@
 #include <cstdlib>
 #include <utility>
 
-namespace apconf {
+namespace apconf
+{
 
 // Owns one handle and releases it with `Release`; `empty` is the handle that owns nothing.
 template <typename Handle, auto Release, Handle empty = Handle{}>
-class owner {
+class owner
+{
 public:
     owner() = default;
     explicit owner(Handle handle) : handle_(handle) {}
