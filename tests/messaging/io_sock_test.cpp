@@ -836,6 +836,7 @@ protected:
 TEST_F(ModuleName, IsTheBaseNameOfTheProgram)
 {
     EXPECT_EQ(process_name().substr(0, 4), "test");
+    ASSERT_FALSE(calls.opened.empty());
     EXPECT_EQ(calls.opened.front(), std::make_pair(cmdline, "r"s));
     set_cmdline("/usr/sbin/radiod\0-f\0/etc/x/y"s);
     EXPECT_EQ(process_name(), "radiod");
