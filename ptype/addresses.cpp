@@ -58,7 +58,8 @@ int TIME_HHMMSS_to_string(const void *value, char *text_out, size_t text_size, c
     return 0;
 }
 
-// inet_aton decides about the value, which reads a field with a leading zero as octal; the scan refuses its short forms.
+// inet_aton decides about the value, which reads a field with a leading zero as octal; the scan refuses its short
+// forms.
 int IPV4_to_ptype(const char *text, void *value_out, const void *)
 {
     in_addr address;

@@ -5,7 +5,8 @@
 #include "util/always_assert.h"
 #include "util/log.h"
 
-namespace apconf {
+namespace apconf
+{
 
 inline bool is_sound(const ptype_record &record, int index)
 {

@@ -13,8 +13,10 @@ const uint8_range default_uint8_range = {0, UINT8_MAX};
 const uint16_range default_uint16_range = {0, UINT16_MAX};
 const uint_range default_uint_range = {0, UINT32_MAX};
 
-namespace apconf {
-namespace {
+namespace apconf
+{
+namespace
+{
 
 using long64 = unsigned long long;
 
@@ -56,8 +58,14 @@ void log_parsed_out_of_range(const char *function, uint64_t value, uint64_t min,
     log_value_out_of_range(function, value, min, max);
 }
 
-void print_number(char *text_out, size_t text_size, int32_t value) { snprintf(text_out, text_size, "%d", value); }
-void print_number(char *text_out, size_t text_size, uint32_t value) { snprintf(text_out, text_size, "%u", value); }
+void print_number(char *text_out, size_t text_size, int32_t value)
+{
+    snprintf(text_out, text_size, "%d", value);
+}
+void print_number(char *text_out, size_t text_size, uint32_t value)
+{
+    snprintf(text_out, text_size, "%u", value);
+}
 void print_number(char *text_out, size_t text_size, uint64_t value)
 {
     snprintf(text_out, text_size, "%llu", long64{value});
@@ -119,12 +127,12 @@ constexpr const float_range *no_float_range = nullptr;
         return apconf::number_to_string<Printed, Value>(#NAME "_to_string", value, text_out, text_size, \
                                                         apconf::limits_of(range, default_range));       \
     }
-#define INTEGER_PTYPE(NAME, Parsed, Value, default_range)                                     \
-    int NAME##_to_ptype(const char *text, void *value_out, const void *range)                 \
-    {                                                                                         \
-        return apconf::integer_to_ptype<Parsed, Value>(#NAME "_to_ptype", text, value_out,    \
+#define INTEGER_PTYPE(NAME, Parsed, Value, default_range)                                        \
+    int NAME##_to_ptype(const char *text, void *value_out, const void *range)                    \
+    {                                                                                            \
+        return apconf::integer_to_ptype<Parsed, Value>(#NAME "_to_ptype", text, value_out,       \
                                                        apconf::limits_of(range, default_range)); \
-    }                                                                                         \
+    }                                                                                            \
     NUMBER_TO_STRING(NAME, Parsed, Value, default_range)
 
 // clang-format off

@@ -8,8 +8,10 @@
 #include "util/log.h"
 #include "util/owners.h"
 
-namespace apconf {
-namespace {
+namespace apconf
+{
+namespace
+{
 
 constexpr const char *function = "convert_ptype_range";
 
@@ -63,15 +65,23 @@ void *convert_ptype_range(uint32_t ptype, const char *min_text, const char *max_
     using namespace apconf;
     if (!min_text && !max_text) return nullptr;
     switch (ptype) {
-    case PTYPE_SINT: return make_range(ptype, min_text, max_text, default_sint_range);
-    case PTYPE_UINT8: return make_range(ptype, min_text, max_text, default_uint8_range);
-    case PTYPE_UINT16: return make_range(ptype, min_text, max_text, default_uint16_range);
-    case PTYPE_UINT: return make_range(ptype, min_text, max_text, default_uint_range);
-    case PTYPE_UINT64: return make_range(ptype, min_text, max_text, uint64_range{0, UINT64_MAX});
-    // The smallest positive float, so 0 and what is below it are out of a range that names only its maximum: kept.
-    case PTYPE_FLOAT: return make_range(ptype, min_text, max_text, float_range{FLT_MIN, FLT_MAX});
-    case PTYPE_STRING:
-    case PTYPE_HEX_STR: return make_range(ptype, min_text, max_text, default_lengths, read_length_limit);
-    default: return nullptr;
+        case PTYPE_SINT:
+            return make_range(ptype, min_text, max_text, default_sint_range);
+        case PTYPE_UINT8:
+            return make_range(ptype, min_text, max_text, default_uint8_range);
+        case PTYPE_UINT16:
+            return make_range(ptype, min_text, max_text, default_uint16_range);
+        case PTYPE_UINT:
+            return make_range(ptype, min_text, max_text, default_uint_range);
+        case PTYPE_UINT64:
+            return make_range(ptype, min_text, max_text, uint64_range{0, UINT64_MAX});
+        // The smallest positive float, so 0 and what is below it are out of a range that names only its maximum: kept.
+        case PTYPE_FLOAT:
+            return make_range(ptype, min_text, max_text, float_range{FLT_MIN, FLT_MAX});
+        case PTYPE_STRING:
+        case PTYPE_HEX_STR:
+            return make_range(ptype, min_text, max_text, default_lengths, read_length_limit);
+        default:
+            return nullptr;
     }
 }

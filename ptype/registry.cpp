@@ -6,15 +6,18 @@
 #include "ptype/define_check.h"
 #include "util/always_assert.h"
 
-namespace apconf {
-namespace {
+namespace apconf
+{
+namespace
+{
 
 // A number that both lists leave out, or that stands twice, does not compile.
 consteval ptype_record record_of(int number)
 {
     switch (number) {
 #define RECORD(number, NAME, size) \
-    case number: return {#NAME, number, static_cast<int32_t>(size), NAME##_to_ptype, NAME##_to_string};
+    case number:                   \
+        return {#NAME, number, static_cast<int32_t>(size), NAME##_to_ptype, NAME##_to_string};
 #define SCALAR_RECORD(number, NAME, Value) RECORD(number, NAME, sizeof(Value))
 #define ENUM_RECORD(number, NAME, count) RECORD(number, NAME, sizeof(int32_t))
         APCONF_SCALAR_PTYPES(SCALAR_RECORD)
@@ -29,12 +32,17 @@ consteval ptype_record record_of(int number)
 consteval int32_t target_size(int number)
 {
     switch (number) {
-    case PTYPE_UINT8: return 1;
-    case PTYPE_UINT16: return 2;
-    case PTYPE_MAC_ADDR: return 6;
-    case PTYPE_UINT64:
-    case PTYPE_IPV4_MASK: return 8;
-    default: return 4;
+        case PTYPE_UINT8:
+            return 1;
+        case PTYPE_UINT16:
+            return 2;
+        case PTYPE_MAC_ADDR:
+            return 6;
+        case PTYPE_UINT64:
+        case PTYPE_IPV4_MASK:
+            return 8;
+        default:
+            return 4;
     }
 }
 
@@ -51,8 +59,9 @@ constexpr size_t value_string_size = 256;
 // clang-format on
 
 constexpr ptype_record param_types[PTYPE_COUNT] = {
-    TEN_RECORDS(0),  TEN_RECORDS(10), TEN_RECORDS(20), TEN_RECORDS(30),       TEN_RECORDS(40),       TEN_RECORDS(50),
-    TEN_RECORDS(60), TEN_RECORDS(70), apconf::record_of(80), apconf::record_of(81), apconf::record_of(82),
+    TEN_RECORDS(0),        TEN_RECORDS(10),       TEN_RECORDS(20),       TEN_RECORDS(30),
+    TEN_RECORDS(40),       TEN_RECORDS(50),       TEN_RECORDS(60),       TEN_RECORDS(70),
+    apconf::record_of(80), apconf::record_of(81), apconf::record_of(82),
 };
 
 // Texts of the listing. They differ from the limits of the converters, and WORD is no ptype: kept.
@@ -74,8 +83,10 @@ const ptype_info param_ptype_info[PARAM_PTYPE_INFO_COUNT] = {
 };
 // clang-format on
 
-namespace apconf {
-namespace {
+namespace apconf
+{
+namespace
+{
 
 template <int... number>
 consteval bool sizes_are_the_targets(std::integer_sequence<int, number...>)
@@ -95,9 +106,15 @@ int get_ptype_by_name(const char *name)
     return -1;
 }
 
-int get_ptype_size(uint32_t ptype) { return ptype < PTYPE_COUNT ? param_types[ptype].size : -1; }
+int get_ptype_size(uint32_t ptype)
+{
+    return ptype < PTYPE_COUNT ? param_types[ptype].size : -1;
+}
 
-const char *get_ptype_name(uint32_t ptype) { return ptype < PTYPE_COUNT ? param_types[ptype].name : nullptr; }
+const char *get_ptype_name(uint32_t ptype)
+{
+    return ptype < PTYPE_COUNT ? param_types[ptype].name : nullptr;
+}
 
 int convert_ptype_to_value(uint32_t ptype, void *value_out, const char *text, const void *range)
 {
@@ -127,4 +144,7 @@ const char *get_ptype_value_string(uint32_t ptype, const void *value)
     return convert_ptype_to_string(ptype, value, text, sizeof text) == 0 ? text : nullptr;
 }
 
-void check_ptype_define(void) { apconf::check_ptype_define(param_types); }
+void check_ptype_define(void)
+{
+    apconf::check_ptype_define(param_types);
+}

@@ -4,7 +4,8 @@
 #include <cstddef>
 #include <cstring>
 
-namespace apconf {
+namespace apconf
+{
 
 template <typename Value>
 inline Value load(const void *slot)

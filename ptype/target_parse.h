@@ -7,7 +7,8 @@
 #include <limits>
 #include <type_traits>
 
-namespace apconf {
+namespace apconf
+{
 
 // The number at the start of a text. `end` is where reading stopped: the start of the text when no digit was there.
 template <typename Unsigned>
@@ -21,7 +22,10 @@ struct scanned_number {
     Unsigned wrapped() const { return negative ? Unsigned{0} - magnitude : magnitude; }
 };
 
-inline bool is_blank(char character) { return character == ' ' || (character >= '\t' && character <= '\r'); }
+inline bool is_blank(char character)
+{
+    return character == ' ' || (character >= '\t' && character <= '\r');
+}
 
 // The digit's value, or 16 for what is no hexadecimal digit.
 inline unsigned digit_value(char character)

@@ -8,8 +8,10 @@
 #include "ptype/slots.h"
 #include "util/log.h"
 
-namespace apconf {
-namespace {
+namespace apconf
+{
+namespace
+{
 
 int check_length(const char *function, size_t length, const length_range *limits)
 {
@@ -91,7 +93,10 @@ int BINARY_to_string(const void *value, char *text_out, size_t text_size, const 
     return apconf::text_to_string(__func__, value, text_out, text_size, range, 1);
 }
 
-int RAW_JSON_to_ptype(const char *, void *, const void *) { return 0; }
+int RAW_JSON_to_ptype(const char *, void *, const void *)
+{
+    return 0;
+}
 
 // One and the same function under both names: it looks at no argument, so the different lists do not matter.
 #ifndef __clang__

@@ -5,8 +5,10 @@
 #include "ptype/slots.h"
 #include "util/log.h"
 
-namespace apconf {
-namespace {
+namespace apconf
+{
+namespace
+{
 
 struct token_table {
     const enum_pair *pairs;
@@ -61,19 +63,19 @@ inline int32_t id_of_value(int ptype, const void *value)
 }  // namespace apconf
 
 // The table must have as many pairs as ptype.h declares.
-#define ENUM_PTYPE(NAME, ...)                                                                             \
-    static_assert(sizeof(NAME##_pairs) == sizeof((const enum_pair[]){__VA_ARGS__}));                      \
-    const enum_pair NAME##_pairs[] = {__VA_ARGS__};                                                       \
+#define ENUM_PTYPE(NAME, ...)                                                                                     \
+    static_assert(sizeof(NAME##_pairs) == sizeof((const enum_pair[]){__VA_ARGS__}));                              \
+    const enum_pair NAME##_pairs[] = {__VA_ARGS__};                                                               \
     static constexpr apconf::token_table NAME##_table = {NAME##_pairs, sizeof(NAME##_pairs) / sizeof(enum_pair)}; \
-    int NAME##_to_ptype(const char *text, void *value_out, const void *)                                  \
-    {                                                                                                     \
-        return apconf::token_to_ptype(#NAME "_to_ptype", NAME##_table, text, value_out);                  \
-    }                                                                                                     \
-    int NAME##_to_string(const void *value, char *text_out, size_t text_size, const void *)               \
-    {                                                                                                     \
-        if (!value) return -1;                                                                            \
-        return apconf::id_to_string(#NAME "_to_string", NAME##_table,                                     \
-                                    apconf::id_of_value(PTYPE_##NAME, value), text_out, text_size);       \
+    int NAME##_to_ptype(const char *text, void *value_out, const void *)                                          \
+    {                                                                                                             \
+        return apconf::token_to_ptype(#NAME "_to_ptype", NAME##_table, text, value_out);                          \
+    }                                                                                                             \
+    int NAME##_to_string(const void *value, char *text_out, size_t text_size, const void *)                       \
+    {                                                                                                             \
+        if (!value) return -1;                                                                                    \
+        return apconf::id_to_string(#NAME "_to_string", NAME##_table, apconf::id_of_value(PTYPE_##NAME, value),   \
+                                    text_out, text_size);                                                         \
     }
 
 // Ids and spellings follow outside conventions and stand in configuration files and messages: COUNTRY_CODE has the
@@ -202,6 +204,12 @@ ENUM_PTYPE(MCAST_RATE,
 ENUM_PTYPE(HE_SHORTGI, {400, "400"}, {800, "800"}, {1600, "1600"}, {3200, "3200"})
 // clang-format on
 
-int get_enum_id(const enum_pair *pairs, int count, const char *text) { return apconf::find_id({pairs, count}, text); }
+int get_enum_id(const enum_pair *pairs, int count, const char *text)
+{
+    return apconf::find_id({pairs, count}, text);
+}
 
-const char *get_enum_name(const enum_pair *pairs, int count, int id) { return apconf::find_token({pairs, count}, id); }
+const char *get_enum_name(const enum_pair *pairs, int count, int id)
+{
+    return apconf::find_token({pairs, count}, id);
+}

@@ -5,8 +5,10 @@
 
 #include "apconf/util.h"
 
-namespace apconf {
-namespace {
+namespace apconf
+{
+namespace
+{
 
 bool is_called(const xmlChar *node_name, const char *name)
 {

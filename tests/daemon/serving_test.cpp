@@ -2,6 +2,7 @@
 #include <apconf/apconf.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 
 #include "daemon/server_process.h"
@@ -81,7 +82,8 @@ TEST_F(serving, unknown_types_are_answered_with_a_code)
 {
     server_process server;
     ASSERT_TRUE(server.wait_until_serving());
-    for (const uint8_t type : {0, 3, 7, 64, 255}) EXPECT_EQ(code_of(type, ""), code(reply_code::unknown_type));
+    for (const uint8_t type : std::initializer_list<uint8_t>{0, 3, 7, 64, 255})
+        EXPECT_EQ(code_of(type, ""), code(reply_code::unknown_type));
 }
 
 TEST_F(serving, set_message_without_its_nul_is_taken)
