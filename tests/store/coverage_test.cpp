@@ -136,11 +136,12 @@ TEST(coverage, every_byte_of_a_bss_is_described_or_padding)
           reserve(bss.auth_open_wpa2.reserved); reserve(bss.auth_wpa_wpa2.reserved);
           reserve(bss.auth_wpa3_sae.reserved); reserve(bss.auth_wpa3_sae.wpa_type_cmd.reserved);
           reserve(bss.auth_wpa2_wpa3.wpa_type_cmd.reserved); reserve(bss.access_list.reserved);
-          for (const auto &each : bss.access_list.domain_acl_cmd) reserve(each.reserved);
-          reserve(bss.webauth_parameter.reserved);
-          for (const auto &each : bss.webauth_parameter.portal_dmi_cmd) reserve(each.reserved);
-          reserve(bss.passpoint_ie.reserved);
-          for (const auto &each : bss.passpoint_anqp.network_auth_cmd) reserve(each.reserved);)
+          for (const auto &each
+               : bss.access_list.domain_acl_cmd) reserve(each.reserved);
+          reserve(bss.webauth_parameter.reserved); for (const auto &each
+                                                        : bss.webauth_parameter.portal_dmi_cmd) reserve(each.reserved);
+          reserve(bss.passpoint_ie.reserved); for (const auto &each
+                                                   : bss.passpoint_anqp.network_auth_cmd) reserve(each.reserved);)
     reserve(bss.auth_open_wpa2.wpa_type_cmd.reserved);
     reserve(bss.auth_wpa_wpa2.wpa_type_cmd.reserved);
     reserve(bss.webauth_parameter.http_login_cmd.reserved);
@@ -219,7 +220,8 @@ TEST(coverage, every_byte_of_the_global_section_is_described_or_padding)
     ON_64(reserve(config.reserved); reserve(config.reserved2); reserve(config.reserved3);
           reserve(config.dhcp_server.pool.reserved); reserve(config.dpi.logging_audit_cmd.reserved);
           reserve(config.dpi.report_server_cmd.reserved); reserve(config.dns.reserved);
-          for (const auto &each : config.dns.fake_response_cmd) reserve(each.reserved);
+          for (const auto &each
+               : config.dns.fake_response_cmd) reserve(each.reserved);
           reserve(config.capwap.reserved); reserve(config.location.server_cmd.reserved);
           reserve(config.speed_test_cmd.reserved2); reserve(config.trace_ap_cmd.reserved2); reserve(config.reserved6);
           reserve(config.vlan.reserved); reserve(config.ip_acl.reserved); reserve(config.iwg_server_cmd.reserved);)
@@ -319,8 +321,8 @@ std::string path_of(const apconf_package &package)
         for (const cmd_node *node = parent->table; node->name; node++) {
             if (node->children != package.table) continue;
             static const std::map<std::string, std::string> instances = {
-                {"radio", "{radio_id=1}"}, {"bss", "{wlan_id=7}"},   {"ethernet", "{eth_id=3}"},
-                {"ftp", "{ftp_id=9}"},     {"vlan", "{vlan_id=12}"}, {"pool", "{pool_name=pool 1}"},
+                {"radio", "{radio_id=1}"},  {"bss", "{wlan_id=7}"},   {"ethernet", "{eth_id=3}"},
+                {"ftp", "{ftp_id=9}"},      {"vlan", "{vlan_id=12}"}, {"pool", "{pool_name=pool 1}"},
                 {"ip_acl", "{identify=32}"}};
             const auto instance = instances.find(node->name);
             return path_of(*parent) + node->name + (instance == instances.end() ? "" : instance->second) + '/';
@@ -384,8 +386,7 @@ void put_in_force(const apconf_command &command, char *record, const apconf_fiel
 
 std::multiset<std::string> expected_puts(const apconf_command &command, const apconf_field &field)
 {
-    const std::string path =
-        std::string(apconf_scope_prefix(static_cast<apconf_scope>(command.scope))) + field.member;
+    const std::string path = std::string(apconf_scope_prefix(static_cast<apconf_scope>(command.scope))) + field.member;
     switch (field.kind) {
         case APCONF_FIELD_TEXT:
             return {"put string " + path};
@@ -395,8 +396,7 @@ std::multiset<std::string> expected_puts(const apconf_command &command, const ap
         case APCONF_FIELD_LIST: {
             int32_t value = 0;
             convert_ptype_to_value(field.ptype, &value, sample_of(field.ptype).given.c_str(), nullptr);
-            const std::string line =
-                std::string("put '") + field.key + "' array '" + std::to_string(value) + "'";
+            const std::string line = std::string("put '") + field.key + "' array '" + std::to_string(value) + "'";
             std::multiset<std::string> lines;
             for (int i = 0; i < (field.kind == APCONF_FIELD_LIST ? 2 : field.count); i++) lines.insert(line);
             return lines;
@@ -426,8 +426,8 @@ TEST_F(changes_test, every_field_is_reported_by_its_command_under_its_key_alone)
             for (uint32_t f = 0; f < command.field_count; f++) {
                 const apconf_field &field = command.fields[f];
                 for (const uint32_t element : tried_elements(command)) {
-                    SCOPED_TRACE(testing::Message() << package->name << ' ' << command.name << ' ' << field.member
-                                                    << ' ' << element);
+                    SCOPED_TRACE(testing::Message()
+                                 << package->name << ' ' << command.name << ' ' << field.member << ' ' << element);
                     start();
                     put_in_force(command, record_of(command), field, element);
                     const observation before = observe(command.name);
@@ -538,14 +538,15 @@ TEST_F(changes_test, a_bss_that_is_entered_reports_the_unconditional_nodes_only)
     const std::string no = R"({".OPT":"no"})", noall = R"({".OPT":"noall"})";
     EXPECT_EQ(walk_tree_text(),
               R"({"config":{"radio":{"INDEX":{"radio_id":"1"},"bss":{"INDEX":{"wlan_id":"7"},"passpoint_ie":{)"
-              R"("interworking_cmd":)" + no + R"(,"roaming_consortium_cmd":)" + noall +
-                  R"(,"access_network_type_cmd":)" + no + R"(,"internet_cmd":)" + no + R"(,"asra_cmd":)" + no +
-                  R"(,"dgaf_block_cmd":)" + no + R"(,"hessid_cmd":)" + no + R"(,"pame_bi_cmd":)" + no +
-                  R"(,"p2p_cross_connect_cmd":)" + no + R"(,"p2p_dev_mgmt_cmd":)" + no + R"(,"venue_info_cmd":)" + no +
+              R"("interworking_cmd":)" +
+                  no + R"(,"roaming_consortium_cmd":)" + noall + R"(,"access_network_type_cmd":)" + no +
+                  R"(,"internet_cmd":)" + no + R"(,"asra_cmd":)" + no + R"(,"dgaf_block_cmd":)" + no +
+                  R"(,"hessid_cmd":)" + no + R"(,"pame_bi_cmd":)" + no + R"(,"p2p_cross_connect_cmd":)" + no +
+                  R"(,"p2p_dev_mgmt_cmd":)" + no + R"(,"venue_info_cmd":)" + no +
                   R"(},"passpoint_anqp":{"venue_name_cmd":)" + noall + R"(,"network_auth_cmd":)" + noall +
-                  R"(,"ip_address_availability_cmd":)" + no + R"(,"cellular_cmd":)" + noall +
-                  R"(,"domain_name_cmd":)" + noall + R"(,"nai_realm_cmd":)" + noall + R"(,"friendly_name_cmd":)" +
-                  noall + R"(,"wan_metrics_cmd":)" + no + R"(,"oper_class_cmd":)" + no + "}}}}}");
+                  R"(,"ip_address_availability_cmd":)" + no + R"(,"cellular_cmd":)" + noall + R"(,"domain_name_cmd":)" +
+                  noall + R"(,"nai_realm_cmd":)" + noall + R"(,"friendly_name_cmd":)" + noall +
+                  R"(,"wan_metrics_cmd":)" + no + R"(,"oper_class_cmd":)" + no + "}}}}}");
 }
 
 }  // namespace

@@ -36,7 +36,8 @@ void note_record(apconf_scope scope, const void *record)
                 const apconf_field &field = command.fields[f];
                 if (field.kind == APCONF_FIELD_VALUE || field.kind == APCONF_FIELD_VALUES) continue;
                 for (uint32_t i = 0; i < elements; i++) {
-                    const char *place = static_cast<const char *>(record) + field.offset + size_t{i} * command.array.step;
+                    const char *place =
+                        static_cast<const char *>(record) + field.offset + size_t{i} * command.array.step;
                     if (!value_at<void *>(place)) continue;
                     if (field.kind == APCONF_FIELD_OBJECT)
                         objects.insert(value_at<json_object *>(place));
