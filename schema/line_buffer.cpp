@@ -15,7 +15,7 @@ namespace
 constexpr size_t usual_length = 1024;
 
 // Choices that hold choices are listed twice at each level, so a hostile schema could ask for a line without end.
-constexpr size_t longest_line = size_t{4} << 20;
+constexpr size_t longest_line = size_t{1} << 20;
 
 }  // namespace
 

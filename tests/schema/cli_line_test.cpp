@@ -435,7 +435,7 @@ TEST(CliLine, AnyJsonEndsWithWholeLines)
 {
     std::mt19937 random(20240607);
     const std::string path = write_schema("<config ntype='package'>" + radio + "</config>");
-    for (int i = 0; i < 3000; i++) {
+    for (int i = 0; i < 1000; i++) {
         const std::string text = "{\"config\":{\"radio\":" + random_json(random, 5) + "}}";
         const json_ptr message = parse(text);
         const std::string lines = converted_file(path, message.get());

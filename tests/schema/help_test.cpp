@@ -33,6 +33,7 @@ using apconf_test::printed;
 using apconf_test::repeated;
 using apconf_test::write_file;
 using apconf_test::write_schema;
+using namespace std::string_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -164,7 +165,7 @@ TEST_F(HelpMap, ALineBeyondTheBufferIsReadInPieces)
 
 TEST_F(HelpMap, BytesOfAnyKindAreRead)
 {
-    load(std::string("HELP_A=1\0=2\nHELP\0_B=3\n\xff\xfe=\x80\n", 31));
+    load("HELP_A=1\0=2\nHELP\0_B=3\n\xff\xfe=\x80\n"s);
     EXPECT_THAT(entries(), ElementsAre("HELP_A=1", "\xff\xfe=\x80"));
 }
 
