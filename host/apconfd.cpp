@@ -140,9 +140,9 @@ int run(int argc, char **argv)
         return app.exit(error) == 0 ? 0 : 2;
     }
     open_log(options);
+    background background;  // outlives the error's message: a waiting parent leaves after it
     try {
         settle_process();
-        background background;
         if (!options.foreground) background.enter();
         serve(options, background);
     } catch (const std::exception &error) {
