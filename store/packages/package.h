@@ -101,10 +101,10 @@ consteval apconf_field values_row(const char *key, const char *member, size_t of
 {
     using value = typename value_type<ptype>::in_block;
     if constexpr (std::is_array_v<Member>) {
-        static_assert(std::is_same_v<std::remove_extent_t<Member>, value>);
+        static_assert(std::is_same_v<std::remove_extent_t<Member>, value>, "the array is not of the ptype's values");
         return {key, member, static_cast<uint32_t>(offset), std::extent_v<Member>, ptype, APCONF_FIELD_VALUES, 0, 0};
     } else {
-        static_assert(std::is_same_v<decltype(Member::list), value *>);
+        static_assert(std::is_same_v<decltype(Member::list), value *>, "the list is not of the ptype's values");
         return {key, member, static_cast<uint32_t>(offset), 1, ptype, APCONF_FIELD_LIST, 0, 0};
     }
 }
