@@ -277,7 +277,7 @@ void write_arguments(const apconf_command &command, const element &at, const std
 std::optional<std::string> read_index(const cmd_node &node, const apconf_field &field, const std::string &path,
                                       json_object *value, outcome &result)
 {
-    const auto text = scalar_text(value);
+    auto text = scalar_text(value);
     if (text && is_heap_text(field)) {
         if (!text->empty() && convert_text(node, field, *text)) return text;
     } else if (text) {
