@@ -33,11 +33,24 @@ constexpr auto allowed_delay = sanitized ? 2000ms : 100ms;
 constexpr auto allowed_delay = 500ms;
 #endif
 
-// Asks on a connection of its own as fast as a client of the library would, and notes how long each answer took.
+// How long a thread was ready to run and had to wait for a processor, because of what else the machine does. 0 where
+// the kernel does not tell.
+std::chrono::microseconds kept_waiting(const std::string &thread)
+{
+    unsigned long long running = 0, waiting = 0;
+    if (sscanf(read_file("/proc/" + thread + "/schedstat").c_str(), "%llu %llu", &running, &waiting) != 2) waiting = 0;
+    return std::chrono::microseconds(waiting / 1000);
+}
+
+// Asks on a connection of its own as fast as a client of the library would, and notes how long each answer took,
+// without what a busy machine adds to it.
 class observer
 {
 public:
-    observer() : thread_([this] { observe(); }) {}
+    explicit observer(const server_process &server)
+        : server_(std::to_string(server.pid())), thread_([this] { observe(); })
+    {
+    }
     ~observer() { stop(); }
 
     void stop()
@@ -56,22 +69,27 @@ public:
     size_t count() const { return delays_.size(); }
 
 private:
+    std::chrono::microseconds waited() const { return kept_waiting("thread-self") + kept_waiting(server_); }
+
     void observe()
     {
         const raw_client client;
         while (!ending_) {
+            const auto waited_before = waited();
             const auto begin = std::chrono::steady_clock::now();
             const auto reply = client.request(IO_MSG_GET, get_message("/config/hostname_cmd"));
             if (!reply || reply->code != 0) {
                 failed_ = true;
                 return;
             }
-            delays_.push_back(
-                std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - begin));
+            const auto elapsed = std::chrono::steady_clock::now() - begin;
+            delays_.push_back(std::max(
+                std::chrono::duration_cast<std::chrono::microseconds>(elapsed) - (waited() - waited_before), 0us));
             pause_for(2ms);
         }
     }
 
+    std::string server_;
     std::atomic<bool> ending_ = false;
     std::atomic<bool> failed_ = false;
     std::vector<std::chrono::microseconds> delays_;
@@ -82,7 +100,7 @@ void expect_prompt(observer &observer, const char *while_what)
 {
     observer.stop();
     ASSERT_FALSE(observer.failed()) << while_what;
-    ASSERT_GT(observer.count(), 10u) << while_what;
+    ASSERT_GT(observer.count(), 3u) << while_what;
     printf("%-40s %6zu gets, median %6.2f ms, longest %6.2f ms\n", while_what, observer.count(),
            static_cast<double>(observer.median().count()) / 1000,
            static_cast<double>(observer.longest().count()) / 1000);
@@ -159,7 +177,7 @@ TEST_F(hostile, silent_and_slow_clients_are_dropped_and_delay_nobody)
     const size_t descriptors = descriptors_at_rest(server);
     const size_t kilobytes = server.resident_kilobytes();
     {
-        observer other;
+        observer other(server);
         const raw_client half_header;
         half_header.send_bytes(std::string(5, '\0'));
         const raw_client no_body;
@@ -204,7 +222,7 @@ TEST_F(hostile, huge_announcement_is_refused_at_once)
     const size_t descriptors = descriptors_at_rest(server);
     const size_t kilobytes = server.resident_kilobytes();
     {
-        observer other;
+        observer other(server);
         for (int i = 0; i < 100; ++i) {
             const raw_client client;
             ASSERT_TRUE(client.send_bytes(frame(IO_MSG_GET, 0xffffffff, "")));
@@ -243,7 +261,7 @@ TEST_F(hostile, thousand_connections_delay_nobody)
     const size_t descriptors = descriptors_at_rest(server);
     const size_t kilobytes = server.resident_kilobytes();
     {
-        observer other;
+        observer other(server);
         std::vector<raw_client> crowd(1000);
         for (const raw_client &client : crowd) ASSERT_TRUE(client.connected());
         for (const raw_client &client : crowd) EXPECT_EQ(client.request(IO_MSG_REGISTER, with_nul("crowd"))->code, 0);
@@ -282,7 +300,7 @@ TEST_F(hostile, descriptors_that_come_along_are_never_received)
     const int null = open("/dev/null", O_RDONLY | O_CLOEXEC);
     ASSERT_GE(null, 0);
     {
-        observer other;
+        observer other(server);
         const raw_client client;
         const std::string set = set_hostname_message("flood");
         const std::string message = frame(IO_MSG_SET, static_cast<uint32_t>(set.size()), set);
@@ -310,7 +328,7 @@ TEST_F(hostile, floods_of_messages_delay_nobody)
     server_process server;
     ASSERT_TRUE(server.wait_until_serving());
     ASSERT_TRUE(server.wait_for_log("applied message 1"));
-    observer other;
+    observer other(server);
     std::atomic<bool> ending = false;
     std::vector<std::thread> floods;
     floods.emplace_back([&] {
