@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <functional>
+#include <limits>
 #include <map>
 
 #include "expectation.h"
@@ -133,7 +134,9 @@ private:
             [this] { return list_queue(queue_); });
         CLI::App *show = add(*queue, "show", "Print a message, and why it was refused", "Example: apconf queue show 17",
                              [this] { return show_queued(queue_); });
-        show->add_option("NUMBER", queue_.number, "The message's number")->required()->check(CLI::PositiveNumber);
+        show->add_option("NUMBER", queue_.number, "The message's number")
+            ->required()
+            ->check(CLI::Range(1, std::numeric_limits<int>::max()));
         show->add_flag("--secrets", queue_.secrets, "Show keys and passwords, which are *** otherwise");
     }
 

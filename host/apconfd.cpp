@@ -150,8 +150,8 @@ int run(int argc, char **argv)
         if (options.verbosity == 0) fprintf(stderr, "apconfd: %s\n", error.what());
         return 1;
     }
+    // The command tree ends with the process: free_cmd_tree would only lose track of most of it.
     release_configuration();
-    free_cmd_tree();
     return 0;
 }
 

@@ -69,6 +69,7 @@ int commit_command(const commit_options &options)
         release_configuration();
         throw failure(CMQ_DIR ": there is no queue to write to; apconfd makes it when it starts");
     }
+    if (outcome.changes == 0) throw failure(options.file + ": the batch changes nothing");
     // Without a server the message waits in the queue.
     init_cmclient(nullptr, nullptr);
     const bool told = commit_batch() == 0;

@@ -152,7 +152,7 @@ private:
             json_object *given = member(target_.index.get(), key);
             const bool last = depth + 1 == target_.nodes.size();
             if (!given && last && action_ != action::set) continue;
-            if (!given) fail(key, "", accepted_value(node, package.fields[0]) + ": this key is needed");
+            if (!given) fail(key, "", accepted_value(node, package.fields[0]) + ", which must be given");
             outcome outcome;
             const auto text = read_index(node, package.fields[0], target_.shown_path, given, outcome);
             if (!text) throw refused_by_schema(outcome.refusals);

@@ -4,7 +4,6 @@
 
 #include <filesystem>
 #include <map>
-#include <regex>
 #include <set>
 
 #include "docs/document.h"
@@ -25,9 +24,7 @@ std::string architecture()
 name_set words_of(const std::string &cell)
 {
     name_set words;
-    const std::regex word(R"([a-z]+)");
-    for (std::sregex_iterator each(cell.begin(), cell.end(), word); each != std::sregex_iterator(); ++each)
-        words.insert(each->str());
+    for (const auto &word : matches(cell, "[a-z]+")) words.insert(word[0]);
     return words;
 }
 
@@ -41,9 +38,7 @@ std::map<std::string, folder> documented_folders()
     std::map<std::string, folder> folders;
     for (const auto &row : table_below(architecture(), "## Folders")) {
         folder &entry = folders[row[0].substr(0, row[0].find('/'))];
-        const std::regex header(R"(\w+\.h)");
-        for (std::sregex_iterator each(row[2].begin(), row[2].end(), header); each != std::sregex_iterator(); ++each)
-            entry.headers.insert(each->str());
+        for (const auto &header : matches(row[2], "[a-z_]+\\.h")) entry.headers.insert(header[0]);
         entry.may_use = words_of(row[3]);
     }
     return folders;
@@ -60,12 +55,11 @@ std::string owner_of(const std::string &public_header, const std::map<std::strin
 name_set used_folders(const std::string &text, const std::string &own, const std::map<std::string, folder> &folders)
 {
     name_set used;
-    const std::regex include(R"re(#include ["<]([a-z_]+)/([a-z_/0-9]+\.h)[">])re");
-    for (std::sregex_iterator each(text.begin(), text.end(), include); each != std::sregex_iterator(); ++each) {
-        const std::string where = (*each)[1];
+    for (const auto &include : matches(text, R"re(#include ["<]([a-z_]+)/([a-z_/0-9]+\.h)[">])re")) {
+        const std::string &where = include[1];
         const bool is_public = where == "apconf";
         if (!is_public && !folders.contains(where)) continue;
-        const std::string user = is_public && own != "host" ? owner_of((*each)[2], folders) : where;
+        const std::string user = is_public && own != "host" ? owner_of(include[2], folders) : where;
         if (user != own) used.insert(user);
     }
     return used;
@@ -90,9 +84,8 @@ std::vector<std::string> enumerators(const std::string &enumeration, const std::
 {
     const std::string body = between(source_file("include/apconf/description.h"), "enum " + enumeration + " {", "\n};");
     std::vector<std::string> names;
-    const std::regex name(R"(\n    (APCONF_\w+))");
-    for (std::sregex_iterator each(body.begin(), body.end(), name); each != std::sregex_iterator(); ++each)
-        if ((*each)[1] != but) names.push_back((*each)[1]);
+    for (const auto &name : matches(body, "\n    (APCONF_[A-Z_]+)"))
+        if (name[1] != but) names.push_back(name[1]);
     return names;
 }
 
@@ -128,21 +121,17 @@ TEST(architecture, all_scopes_stand_in_the_table)
 
 TEST(architecture, the_files_that_the_documentation_names_exist)
 {
-    const std::regex name(R"(`((?:[a-z_0-9]+/)*[a-z_0-9]+\.(?:cpp|h|c|xml|rng|sh|md|map|cmake))`)");
-    for (const char *document : {"docs/architecture.md", "docs/wire.md", "docs/handlers.md", "CHANGELOG.md"}) {
-        const std::string text = source_file(document);
-        for (std::sregex_iterator each(text.begin(), text.end(), name); each != std::sregex_iterator(); ++each) {
-            const std::string path = (*each)[1];
-            if (path.find('/') == std::string::npos) continue;
-            EXPECT_TRUE(fs::exists(fs::path(APCONF_SOURCE_DIR) / path)) << document << " names " << path;
-        }
+    for (const char *document : {"README.md", "docs/architecture.md", "docs/wire.md", "docs/handlers.md", "CHANGELOG.md"}) {
+        const auto names = matches(source_file(document), "`(([a-z_0-9]+/)+[a-z_0-9]+\\.[a-z]+)`");
+        for (const auto &name : names)
+            EXPECT_TRUE(fs::exists(fs::path(APCONF_SOURCE_DIR) / name[1])) << document << " names " << name[1];
     }
 }
 
 TEST(architecture, quoted_code_stands_so_in_its_file)
 {
     size_t quoted = 0;
-    for (const char *document : {"docs/architecture.md", "docs/handlers.md"})
+    for (const char *document : {"README.md", "docs/architecture.md", "docs/handlers.md"})
         for (const fenced_block &block : fenced_blocks(source_file(document))) {
             if (block.name.find('/') == std::string::npos) continue;
             quoted++;

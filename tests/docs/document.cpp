@@ -1,8 +1,10 @@
 #include "document.h"
 
 #include <gtest/gtest.h>
+#include <regex.h>
 
 #include <algorithm>
+#include <array>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -98,6 +100,23 @@ table table_below(const std::string &document, const std::string &heading)
     EXPECT_GT(rows.size(), 2U) << "no table below " << heading;
     rows.erase(rows.begin(), rows.begin() + std::min<std::ptrdiff_t>(2, std::ssize(rows)));
     return rows;
+}
+
+std::vector<std::vector<std::string>> matches(const std::string &text, const std::string &expression)
+{
+    std::vector<std::vector<std::string>> found;
+    regex_t compiled;
+    EXPECT_EQ(regcomp(&compiled, expression.c_str(), REG_EXTENDED), 0) << expression;
+    std::array<regmatch_t, 5> groups;
+    for (const char *rest = text.c_str(); regexec(&compiled, rest, groups.size(), groups.data(), 0) == 0;) {
+        found.emplace_back();
+        for (size_t i = 0; i <= compiled.re_nsub && i < groups.size(); i++)
+            found.back().push_back(groups[i].rm_so < 0 ? ""
+                                                       : std::string(rest + groups[i].rm_so, rest + groups[i].rm_eo));
+        rest += groups[0].rm_eo;
+    }
+    regfree(&compiled);
+    return found;
 }
 
 std::string between(const std::string &text, const std::string &first, const std::string &last)

@@ -28,6 +28,9 @@ std::string bytes(const std::string &document, const std::string &name);
 using table = std::vector<std::vector<std::string>>;
 table table_below(const std::string &document, const std::string &heading);
 
+// All matches of an extended regular expression, each as its groups, the whole match first.
+std::vector<std::vector<std::string>> matches(const std::string &text, const std::string &expression);
+
 // What stands between two texts of a file, both required.
 std::string between(const std::string &text, const std::string &first, const std::string &last);
 

@@ -12,7 +12,6 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
-#include <regex>
 
 #include "docs/document.h"
 #include "host/reply_codes.h"
@@ -247,7 +246,6 @@ TEST_F(wire, the_answer_shown_is_what_the_get_message_shown_yields)
     EXPECT_EQ(json_object_to_json_string_ext(answer.get(), JSON_C_TO_STRING_PLAIN), shown("json get-answer"));
 
     root.config.radio[0].bss[1].ssid_cmd.ssid = nullptr;
-    free_cmd_tree();
 }
 
 TEST_F(queue_files, index_files_are_byte_for_byte_as_shown)
@@ -306,12 +304,10 @@ TEST(reply_codes, are_those_of_the_host)
 {
     const std::string header = source_file("host/reply_codes.h");
     const std::string numbers = between(header, "enum class reply_code", "};");
-    const std::regex enumerator(R"((\w+) = (\d+),)");
     table expected;
-    for (std::sregex_iterator each(numbers.begin(), numbers.end(), enumerator); each != std::sregex_iterator();
-         ++each) {
-        const auto code = static_cast<apconf_host::reply_code>(std::stoi((*each)[2]));
-        expected.push_back({(*each)[2], (*each)[1], apconf_host::describe(code)});
+    for (const auto &row : matches(numbers, "([a-z_]+) = ([0-9]+),")) {
+        const auto code = static_cast<apconf_host::reply_code>(std::stoi(row[2]));
+        expected.push_back({row[2], row[1], apconf_host::describe(code)});
     }
     ASSERT_FALSE(expected.empty());
     table documented;
@@ -326,10 +322,9 @@ namespace
 // A limit's initialiser as the documentation writes it: "4u << 20" is "4 MiB", "5s" is "5 s".
 std::string in_words(const std::string &value)
 {
-    std::smatch parts;
-    if (std::regex_match(value, parts, std::regex(R"((\d+)u << (10|20))")))
-        return parts[1].str() + (parts[2] == "20" ? " MiB" : " KiB");
-    if (std::regex_match(value, parts, std::regex(R"((\d+)(m?s))"))) return parts[1].str() + " " + parts[2].str();
+    for (const auto &size : matches(value, "^([0-9]+)u << (10|20)$"))
+        return size[1] + (size[2] == "20" ? " MiB" : " KiB");
+    for (const auto &time : matches(value, "^([0-9]+)(m?s)$")) return time[1] + " " + time[2];
     return value;
 }
 
@@ -338,10 +333,9 @@ std::string in_words(const std::string &value)
 TEST(limits, are_those_of_the_host)
 {
     const std::string header = source_file("host/server/limits.h");
-    const std::regex constant(R"(constexpr \S+ (\w+) = ([^;]+);)");
     table expected;
-    for (std::sregex_iterator each(header.begin(), header.end(), constant); each != std::sregex_iterator(); ++each)
-        expected.push_back({(*each)[1], in_words((*each)[2])});
+    for (const auto &limit : matches(header, "constexpr [^ ]+ ([a-z_]+) = ([^;]+);"))
+        expected.push_back({limit[1], in_words(limit[2])});
     ASSERT_FALSE(expected.empty());
     table documented;
     for (const auto &row : table_below(wire_document(), "## Limits of the reference server"))

@@ -112,9 +112,7 @@ TEST_F(Cmq, IndexFileEndsWithABlankAndNoNewline)
     EXPECT_EQ(read_file(max_file), "42 ");
     EXPECT_EQ(set_message_index(max_file.c_str(), 7), 7);
     EXPECT_EQ(read_file(max_file), "7 ") << "truncated before it is written";
-    EXPECT_EQ(calls.opened.back().second, "w+");
     EXPECT_EQ(get_message_index(max_file.c_str()), 7);
-    EXPECT_EQ(calls.opened.back().second, "r+");
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 
@@ -384,7 +382,6 @@ TEST_F(Cmq, AppendDoesNotTruncateTheIndexFile)
     set_indexes("1 ", "0009 rest");
     EXPECT_EQ(cmq_handle_cmessage(accept_any, nullptr), 9);
     EXPECT_EQ(read_file(max_file), "10 9 rest");
-    EXPECT_EQ(calls.opened.back(), std::make_pair(max_file, "r+"s));
     EXPECT_EQ(get_message_index(max_file.c_str()), 10);
 }
 
@@ -699,6 +696,7 @@ TEST_F(Cmq, BadFileIsOpenedAnewForTheCaller)
         fclose(bad);
         EXPECT_EQ(read_file("/tmp/cmessage_queue/bad/2147483647.txt"), reason);
     }
+    ASSERT_FALSE(calls.opened.empty());
     EXPECT_EQ(calls.opened.back().second, "w+");
     fs::remove_all("/tmp/cmessage_queue/bad");
     EXPECT_EQ(cmq_create_bad_file(1), nullptr);

@@ -1,6 +1,7 @@
 #include "messaging/system_calls.h"
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdarg>
 #include <utility>
 
 namespace apconf_test
@@ -153,6 +155,18 @@ FILE *fopen(const char *name, const char *mode)
     if (!found->second.empty()) return call(found->second.c_str(), mode);
     errno = ENOENT;
     return nullptr;
+}
+
+// Files that are read and written without a stream count as opened in the mode that a stream would have.
+int open(const char *name, int flags, ...)
+{
+    static auto *const call = real<int(const char *, int, ...)>("open");
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t permissions = flags & O_CREAT ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    if (active && (flags & O_ACCMODE) == O_RDWR) active->opened.emplace_back(name, flags & O_TRUNC ? "w+" : "r+");
+    return call(name, flags, permissions);
 }
 
 int flock(int fd, int operation) noexcept
