@@ -28,6 +28,14 @@ std::string notes_of(int producer)
     return "/tmp/producer-" + std::to_string(producer);
 }
 
+std::string message_file(std::string path, int index)
+{
+    path += '/';
+    path += std::to_string(index);
+    path += ".json";
+    return path;
+}
+
 // Appends like a store owner does: queue the message, then tell the server, which may just be dead.
 [[noreturn]] void produce(int producer)
 {
@@ -104,7 +112,7 @@ TEST(killed_server, applies_every_message_exactly_once_and_in_order)
         EXPECT_EQ(status, 0);
     }
     ASSERT_TRUE(eventually([] { return cmq_get_current_index() == total + 1; }, 40s));
-    const std::string last = std::string(CMQ_NEW_DIR) + "/" + std::to_string(total) + ".json";
+    const std::string last = message_file(CMQ_NEW_DIR, total);
     ASSERT_TRUE(eventually([&] { return !exists(last); }));
 
     const auto notes = all_notes();
@@ -112,8 +120,7 @@ TEST(killed_server, applies_every_message_exactly_once_and_in_order)
     EXPECT_EQ(notes.begin()->first, 1);
     EXPECT_EQ(notes.rbegin()->first, total);
     for (const auto &[index, hostname] : notes)
-        ASSERT_EQ(hostname_in(std::string(CMQ_OLD_DIR) + "/" + std::to_string(index) + ".json"), hostname)
-            << "message " << index;
+        ASSERT_EQ(hostname_in(message_file(CMQ_OLD_DIR, index)), hostname) << "message " << index;
     EXPECT_EQ(hostname_of_server(), notes.rbegin()->second);
 
     printf("%zu messages applied anew\n", count_of(server->log(), "anew"));
