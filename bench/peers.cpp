@@ -8,6 +8,7 @@
 #include <sys/socket.h>
 #include <sys/uio.h>
 #include <sys/wait.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -62,6 +63,13 @@ pid_t start_child()
     return pid;
 }
 
+double seconds_of(clockid_t clock)
+{
+    timespec time;
+    if (clock_gettime(clock, &time) < 0) give_up("clock_gettime");
+    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
 }  // namespace
 
 void pin_to_one_cpu()
@@ -70,6 +78,11 @@ void pin_to_one_cpu()
     CPU_ZERO(&cpus);
     CPU_SET(static_cast<size_t>(sched_getcpu()), &cpus);
     if (sched_setaffinity(0, sizeof cpus, &cpus) < 0) give_up("sched_setaffinity");
+}
+
+double own_cpu_seconds()
+{
+    return seconds_of(CLOCK_PROCESS_CPUTIME_ID);
 }
 
 child_process::~child_process()
@@ -82,6 +95,13 @@ child_process::~child_process()
 bool child_process::is_running() const
 {
     return pid_ > 0 && waitpid(pid_, nullptr, WNOHANG) == 0;
+}
+
+double child_process::cpu_seconds() const
+{
+    clockid_t clock;
+    if (clock_getcpuclockid(pid_, &clock) != 0) give_up("clock_getcpuclockid");
+    return seconds_of(clock);
 }
 
 pid_t start_program(char **command_line)

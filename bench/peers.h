@@ -20,10 +20,13 @@ public:
     child_process &operator=(const child_process &) = delete;
 
     bool is_running() const;
+    double cpu_seconds() const;
 
 private:
     pid_t pid_;
 };
+
+double own_cpu_seconds();
 
 // Starts the program of a command line whose last element is null.
 pid_t start_program(char **command_line);

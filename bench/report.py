@@ -19,7 +19,7 @@ def read_pairs(directory):
                 sys.exit(f"{path.stem}: {entry['name']}: {entry['error_message']}")
             if entry.get("aggregate_name") == "median":
                 what, side, *options = entry["run_name"].split("/")
-                clock = "real_time" if "real_time" in options else "cpu_time"
+                clock = "real_time" if "manual_time" in options else "cpu_time"
                 pairs.setdefault(what, {})[side] = (entry[clock], entry["time_unit"], entry["goal"])
     return pairs
 

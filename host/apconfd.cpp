@@ -140,9 +140,9 @@ int run(int argc, char **argv)
         return app.exit(error) == 0 ? 0 : 2;
     }
     open_log(options);
+    background background;  // outlives the error's message: a waiting parent leaves after it
     try {
         settle_process();
-        background background;
         if (!options.foreground) background.enter();
         serve(options, background);
     } catch (const std::exception &error) {
@@ -150,8 +150,8 @@ int run(int argc, char **argv)
         if (options.verbosity == 0) fprintf(stderr, "apconfd: %s\n", error.what());
         return 1;
     }
+    // The command tree ends with the process: free_cmd_tree would only lose track of most of it.
     release_configuration();
-    free_cmd_tree();
     return 0;
 }
 

@@ -6,14 +6,13 @@
 
 #include "expectation.h"
 #include "json.h"
+#include "secrets.h"
 
 namespace apconf_host
 {
 
 namespace
 {
-
-constexpr const char *hidden = "***";
 
 // The field that picks between rows which share a key, or null.
 const apconf_field *selecting_field(const apconf_command &command)
@@ -190,7 +189,7 @@ private:
                 continue;
             const char *text = load_text(field, reading_.at);
             if (text && !convert_text(reading_.node, field, text))
-                refuse_key(field.key, field.flags & APCONF_FIELD_SECRET ? hidden : text,
+                refuse_key(field.key, field.flags & APCONF_FIELD_SECRET ? masked_secret : text,
                            accepted_value(reading_.node, field));
         }
     }
@@ -218,7 +217,7 @@ private:
 
     void refuse(const apconf_field &field, json_object *value, std::string accepted)
     {
-        refuse_key(field.key, field.flags & APCONF_FIELD_SECRET ? hidden : shown(value), std::move(accepted));
+        refuse_key(field.key, field.flags & APCONF_FIELD_SECRET ? masked_secret : shown(value), std::move(accepted));
     }
 
     void refuse_key(std::string key, std::string value, std::string accepted)
@@ -257,7 +256,7 @@ std::optional<std::string> convert_value(const cmd_node &node, const apconf_fiel
 std::optional<std::vector<argument>> read_arguments(const reading &reading, json_object *object, outcome &result)
 {
     if (json_object_is_type(object, json_type_object)) return reader(reading, result).read(object);
-    result.refuse({reading.path, "", has_secret(reading.command) ? hidden : shown(object),
+    result.refuse({reading.path, "", has_secret(reading.command) ? masked_secret : shown(object),
                    "an object with " + accepted_keys(reading.command)});
     return std::nullopt;
 }
@@ -278,7 +277,7 @@ void write_arguments(const apconf_command &command, const element &at, const std
 std::optional<std::string> read_index(const cmd_node &node, const apconf_field &field, const std::string &path,
                                       json_object *value, outcome &result)
 {
-    const auto text = scalar_text(value);
+    auto text = scalar_text(value);
     if (text && is_heap_text(field)) {
         if (!text->empty() && convert_text(node, field, *text)) return text;
     } else if (text) {

@@ -134,7 +134,7 @@ int check_needed(const call &call, const element &at, const std::vector<argument
                            [&field](const argument &argument) { return strcmp(argument.field->key, field.key) == 0; });
     };
     const auto need = [&call](const apconf_field &field) {
-        return call.refuse(field.key, "", accepted_value(call.node, field) + ": this key is needed");
+        return call.refuse(field.key, "", accepted_value(call.node, field) + ", which must be given");
     };
     if (arguments.empty()) return call.refuse("", "", accepted_keys(command));
     if (const apconf_field *index = is_array(command) ? index_field(command) : nullptr; index && !given(*index))

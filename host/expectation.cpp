@@ -127,7 +127,7 @@ const void *range_of(const cmd_node &node, const apconf_field &field)
 
 std::string accepted_value(const cmd_node &node, const apconf_field &field)
 {
-    const std::string single = accepted_single(field.ptype, range_of(node, field));
+    std::string single = accepted_single(field.ptype, range_of(node, field));
     switch (field.kind) {
         case APCONF_FIELD_VALUES:
             return "up to " + std::to_string(field.count) + " values, each " + single;

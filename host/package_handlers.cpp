@@ -37,7 +37,7 @@ std::optional<std::string> read_instance(const call &call, json_object *args)
     json_object *value = index_value(call, args, agree);
     if (value && agree) return read_index(call.node, field, call.path, value, call.message.result);
     call.refuse(field.key, "",
-                agree ? accepted_value(call.node, field) + ": this key is needed" : "the same in all entries");
+                agree ? accepted_value(call.node, field) + ", which must be given" : "the same in all entries");
     return std::nullopt;
 }
 

@@ -11,7 +11,7 @@ enum class reply_code : uint8_t {
     ok = 0,
     bad_message = 1,    // the data is no JSON text, no configuration message, or no module name
     not_a_get = 2,      // a get request whose "ACTION" is not "get"
-    too_large = 3,      // more data than the server takes; the connection is closed
+    too_large = 3,      // more than the server takes; after too many bytes the connection is closed
     refused = 4,        // a set was not, or not wholly, carried out
     unknown_type = 5,   // a message type that this server does not know
     not_permitted = 6,  // the peer's user may not configure; the connection is closed

@@ -1,10 +1,13 @@
-// Finds what a message names and the tree does not know. The dispatch passes over it without a word.
+// Finds what a message names and the tree does not know, and what is no object where one is needed. The dispatch passes
+// over both.
 #include <cstring>
 
+#include "arguments.h"
 #include "expectation.h"
 #include "handlers.h"
 #include "instances.h"
 #include "json.h"
+#include "secrets.h"
 
 namespace apconf_host
 {
@@ -20,7 +23,9 @@ bool is_header(const std::string &name)
 // Of an instance's INDEX object: its package's key and ".OPT" are all it may hold.
 void check_index(json_object *index, const apconf_command *package, const std::string &path, outcome &outcome)
 {
-    if (!json_object_is_type(index, json_type_object)) return;  // the package's handler refuses it
+    if (!index) return;
+    if (!json_object_is_type(index, json_type_object))
+        return outcome.refuse({path, "INDEX", shown(index), "an object"});
     const char *known = package ? index_key(*package) : nullptr;
     json_object_object_foreach(index, key, value)
     {
@@ -30,12 +35,21 @@ void check_index(json_object *index, const apconf_command *package, const std::s
     }
 }
 
+void refuse_type(const cmd_node &node, json_object *value, const std::string &path, outcome &outcome)
+{
+    const apconf_command *command = apconf_find_command(&node);
+    const bool leaf = command && !node.children;
+    outcome.refuse({path, "", leaf && has_secret(*command) ? masked_secret : shown(value),
+                    leaf ? "an object with " + accepted_keys(*command) : "an object"});
+}
+
 void find_below(cmd_node &node, json_object *object, const std::string &path, outcome &outcome)
 {
     const apconf_command *package = apconf_find_command(&node);
     const char *own_key = package ? index_key(*package) : nullptr;
     json_object_object_foreach(object, name, value)
     {
+        if (outcome.refusals.size() >= outcome::MAX_REFUSALS) return;  // more would only cost time
         if (path.empty() && is_header(name)) continue;
         if (!path.empty() && strcmp(name, ".OPT") == 0) continue;
         if (!path.empty() && strcmp(name, "INDEX") == 0) {
@@ -51,8 +65,12 @@ void find_below(cmd_node &node, json_object *object, const std::string &path, ou
             continue;
         }
         int cursor = 0;
-        while (json_object *single = child->children ? get_json_obj(value, &cursor) : nullptr)
-            if (json_object_is_type(single, json_type_object)) find_below(*child, single, here, outcome);
+        while (json_object *single = get_json_obj(value, &cursor)) {
+            if (!json_object_is_type(single, json_type_object))
+                refuse_type(*child, single, here, outcome);
+            else if (child->children)
+                find_below(*child, single, here, outcome);
+        }
     }
 }
 
@@ -63,6 +81,14 @@ void check_package(const cmd_node &node, json_object *param, const std::string &
     const auto option = scalar_text(member(param, ".OPT"));
     if (option == "no" || option == "noall" || (package && package->variant == APCONF_LIST_NODE)) return;
     outcome.refuse({path, "", "", accepted_command(node, path, "")});
+}
+
+// An argument object or a list of them.
+void check_param(const cmd_node &node, json_object *param, const std::string &path, outcome &outcome)
+{
+    int cursor = 0;
+    while (json_object *single = get_json_obj(param, &cursor))
+        if (!json_object_is_type(single, json_type_object)) refuse_type(node, single, path, outcome);
 }
 
 void check_path(const char *text, json_object *param, outcome &outcome)
@@ -81,6 +107,7 @@ void check_path(const char *text, json_object *param, outcome &outcome)
         if (!child) return outcome.refuse({path, "", "", accepted_command(*node, below, name)});
         node = child;
     }
+    check_param(*node, param, path, outcome);
     if (node->children) check_package(*node, param, path.empty() ? "/" : path, outcome);
 }
 

@@ -302,7 +302,7 @@ int init_io_sock(int server, const char *path)
 
 void deinit_io_sock(void)
 {
-    if (io_sockfd < 0 || connection_is_released()) return;
+    if (connection_is_released() || io_sockfd < 0) return;
     close(io_sockfd);
     released_fd = io_sockfd;
 }

@@ -1,7 +1,6 @@
 // The schema loader: walks the command-tree file and gives the registered nodes their parameters and repeat counts.
 // The file never creates nodes; what it gets wrong is logged and passed over.
 #include <json-c/json.h>
-#include <libxml/parser.h>
 #include <libxml/tree.h>
 
 #include <cstdint>
@@ -12,6 +11,7 @@
 #include "apconf/ptype.h"
 #include "apconf/util.h"
 #include "ptype/target_parse.h"
+#include "schema/schema_file.h"
 #include "util/log.h"
 #include "util/owners.h"
 
@@ -38,17 +38,6 @@ public:
 
     struct cmd_param record = {};
 };
-
-const char *name_of(const xmlNode *node)
-{
-    return reinterpret_cast<const char *>(node->name);
-}
-
-// CDATA nodes have no name.
-bool is_named(const xmlNode *node, const char *name)
-{
-    return node->name && strcmp(name_of(node), name) == 0;
-}
 
 // Only reports: a parameter is kept whatever its list holds.
 void check_enum_list(const xmlNode *param, uint32_t ptype, const void *range)
@@ -200,16 +189,8 @@ void parse_package(const xmlNode *package, struct cmd_node *node)
 
 int command_tree_parser(void)
 {
-    const apconf::xml_doc document(xmlReadFile(apconf::schema_path, "UTF-8", XML_PARSE_NOBLANKS));
-    if (!document) {
-        LOG(LOG_ERR, "parse xml '%s' failed, please check xml syntax rules", apconf::schema_path);
-        return -1;
-    }
-    const xmlNode *root_element = xmlDocGetRootElement(document.get());
-    if (!root_element) {
-        LOG(LOG_ERR, "empty interface param document '%s'", apconf::schema_path);
-        return -1;
-    }
-    apconf::parse_package(root_element, &cmd_tree);
+    const apconf::xml_doc document = apconf::read_schema(__func__, apconf::schema_path);
+    if (!document) return -1;
+    apconf::parse_package(xmlDocGetRootElement(document.get()), &cmd_tree);
     return 0;
 }

@@ -65,8 +65,8 @@ void unset_field(const apconf_field &field, char *place)
 
 void unset_command(const apconf_command &command, char *record)
 {
-    const bool zero_option = command.variant == APCONF_COUNTED_ARRAY ||
-                             (command.variant == APCONF_PACKED_LIST && command.zero_unset);
+    const bool zero_option =
+        command.variant == APCONF_COUNTED_ARRAY || (command.variant == APCONF_PACKED_LIST && command.zero_unset);
     if (zero_option) memset(record + command.option, 0, sizeof(uint32_t));
     if (command.zero_unset) {
         memset(record + command.array.offset, 0, size_t{command.array.step} * command.array.count);

@@ -48,10 +48,24 @@ private:
     Handle handle_ = empty;
 };
 
-using json_ptr = owner<json_object *, [](json_object *object) { json_object_put(object); }>;
+// Functions and not lambdas: a lambda's type differs between the files that include this.
+inline void release_json(json_object *object)
+{
+    json_object_put(object);
+}
+inline void release_text(char *text)
+{
+    free(text);
+}
+inline void release_file(FILE *file)
+{
+    fclose(file);
+}
+
+using json_ptr = owner<json_object *, release_json>;
 using xml_doc = owner<xmlDoc *, xmlFreeDoc>;
-using heap_text = owner<char *, [](char *text) { free(text); }>;
-using unique_file = owner<FILE *, [](FILE *file) { fclose(file); }>;
+using heap_text = owner<char *, release_text>;
+using unique_file = owner<FILE *, release_file>;
 using unique_fd = owner<int, [](int fd) { close(fd); }, -1>;
 
 }  // namespace apconf

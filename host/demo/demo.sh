@@ -58,7 +58,7 @@ cp "$here"/../../etc/start_config.json /etc/config/
 rm -f "$log"
 
 step "Start the server on an empty queue: the factory configuration becomes message 1"
-run true apconfd --foreground --verbose '&'
+echo '$ apconfd --foreground --verbose &'
 start_server
 wait_applied 1
 run apconf queue
@@ -81,7 +81,7 @@ run cat /tmp/cmessage_queue/new/.max_index
 echo
 run apconf queue
 bold "The queue file, its first lines:"
-run apconf queue show "$message" | head -n 20
+run apconf queue show "$message" | sed -n 1,24p
 
 step "The server starts, applies the message and archives what came of it"
 start_server

@@ -186,6 +186,7 @@ void connection::release()
 void connection::wait_for_more()
 {
     if (peer_writes_) {
+        resume_reading();
         if (received() > 0) message_timer_.start(limits::message_time);
     } else if (received() > 0) {
         drop("it left in the middle of a message");
@@ -241,7 +242,14 @@ void connection::close()
 
 size_t connection::received() const
 {
-    return evbuffer_get_length(bufferevent_get_input(output_.get()));
+    return evbuffer_get_length(input_.get());
+}
+
+// What may still be read: a little ahead, or the rest of a large message.
+size_t connection::room() const
+{
+    const size_t most = std::max(limits::read_ahead, reserved_);
+    return received() < most ? std::min(limits::read_ahead, most - received()) : 0;
 }
 
 size_t connection::waiting_replies() const

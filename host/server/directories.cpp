@@ -28,14 +28,13 @@ constexpr const char *lock_path = CMQ_DIR "/.server_lock";
 void make_private_directory(const char *path)
 {
     if (mkdir(path, 0700) < 0 && errno != EEXIST) refuse(path, std::string("cannot be made: ") + strerror(errno));
-    const fd_owner fd(open(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    if (!fd) refuse(path, std::string("is not a directory of its own: ") + strerror(errno));
     struct stat status = {};
-    if (fstat(fd.get(), &status) < 0) refuse(path, strerror(errno));
+    if (lstat(path, &status) < 0) refuse(path, strerror(errno));
+    if (!S_ISDIR(status.st_mode)) refuse(path, "is no directory");
     if (status.st_uid != geteuid()) refuse(path, "belongs to user " + std::to_string(status.st_uid));
     if ((status.st_mode & 07777) == 0700) return;
     SERVER_LOG(LOG_WARNING, "closing '%s' to other users", path);
-    if (fchmod(fd.get(), 0700) < 0) refuse(path, std::string("cannot be closed to others: ") + strerror(errno));
+    if (chmod(path, 0700) < 0) refuse(path, std::string("cannot be closed to others: ") + strerror(errno));
 }
 
 }  // namespace

@@ -13,6 +13,12 @@ using namespace std::chrono_literals;
 // The data of one message. The largest whole-tree message is far below.
 inline constexpr size_t message_data = 4u << 20;
 
+// The values in one message, and the list elements in one get: each costs the work of a command, or of a whole package,
+// and while one message is carried out all other clients wait. The longest list of a command has 256 elements; larger
+// configurations come through the queue.
+inline constexpr size_t message_values = 8192;
+inline constexpr size_t get_elements = 40;
+
 // A message is complete this long after its first byte, or the client is dropped.
 inline constexpr std::chrono::milliseconds message_time = 5s;
 
@@ -34,6 +40,9 @@ inline constexpr size_t spare_descriptors = 64;
 
 // No accepting for this long when descriptors have run out.
 inline constexpr std::chrono::milliseconds accept_pause = 100ms;
+
+// Above this many values in a set, the log has its summary and refusals, not a line for each command.
+inline constexpr size_t logged_values = 1024;
 
 // Refusals of one message that are logged one by one; a count follows. The file in "bad" has them all.
 inline constexpr size_t logged_refusals = 20;

@@ -1,4 +1,4 @@
-// Texts of peers in log lines.
+// Texts of peers in log lines, and how much is logged.
 #include "host/server/log.h"
 
 namespace apconf_host
@@ -13,6 +13,11 @@ std::string one_line(std::string_view text, size_t limit)
     }
     if (text.size() > limit) line += "...";
     return line;
+}
+
+quiet_log::quiet_log(int least) : mask_(setlogmask(0))  // 0 only asks
+{
+    if (!(mask_ & LOG_MASK(LOG_DEBUG))) setlogmask(LOG_UPTO(least));
 }
 
 }  // namespace apconf_host

@@ -15,11 +15,12 @@ namespace apconf_host
 // A peer's text made fit for a line: control characters become "?", and what is longer than `limit` is cut.
 std::string one_line(std::string_view text, size_t limit = 1024);
 
-// Keeps everything below a warning out of the log while it lives. For walks over the whole tree that nobody asked for.
+// Keeps everything below `least` out of the log while it lives: the library has a line for each command that it walks
+// over. Without effect when the log is to show everything, debug lines included.
 class quiet_log
 {
 public:
-    quiet_log() : mask_(setlogmask(LOG_UPTO(LOG_WARNING))) {}
+    explicit quiet_log(int least = LOG_WARNING);
     ~quiet_log() { setlogmask(mask_); }
     quiet_log(const quiet_log &) = delete;
     quiet_log &operator=(const quiet_log &) = delete;

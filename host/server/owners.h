@@ -1,20 +1,16 @@
 // Owners of what the C interfaces hand out.
 #pragma once
 
-#include <json-c/json.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <memory>
 #include <utility>
 
+#include "host/json.h"
+
 namespace apconf_host
 {
-
-struct json_release {
-    void operator()(json_object *object) const { json_object_put(object); }
-};
-using json_ptr = std::unique_ptr<json_object, json_release>;
 
 struct file_release {
     void operator()(FILE *file) const { fclose(file); }

@@ -3,6 +3,7 @@
 
 #include <apconf/cmessage.h>
 #include <apconf/cmq.h>
+#include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -19,6 +20,10 @@ namespace apconf_host
 namespace
 {
 
+// How long a start waits for a producer that is just appending.
+constexpr int repair_attempts = 100;
+constexpr useconds_t repair_pause_microseconds = 10000;
+
 std::string module_of(json_object *message)
 {
     json_object *module = nullptr;
@@ -28,14 +33,12 @@ std::string module_of(json_object *message)
     return one_line(json_object_get_string(module), 63);
 }
 
-// Keeps producers from appending while the indexes are being repaired. There is nothing to hold when there is no index
-// yet, and then nobody can append.
-fd_owner lock_appends()
-{
-    fd_owner fd(open(CMQ_MAX_INDEX, O_RDWR | O_CLOEXEC));
-    if (fd) flock(fd.get(), LOCK_EX);
-    return fd;
-}
+// Keeps producers from appending while it lives and `held`. Without an index file there is nothing to hold, and nobody
+// can append either. Never waits: a producer may have stopped in the middle of an append.
+struct append_lock {
+    fd_owner fd{open(CMQ_MAX_INDEX, O_RDWR | O_CLOEXEC)};
+    bool held = !fd || flock(fd.get(), LOCK_EX | LOCK_NB) == 0;
+};
 
 bool save_bad_file(int index, const std::vector<refusal> &refusals)
 {
@@ -59,7 +62,7 @@ queue_drain::queue_drain(event_base *base, running_state &state, size_t archive_
 void queue_drain::start()
 {
     state_.restore(old_);
-    repair_indexes();
+    for (int attempt = 0; !repair_indexes() && attempt < repair_attempts; ++attempt) usleep(repair_pause_microseconds);
     cmq_init();
     queue_start_configuration();
     tidy();
@@ -72,25 +75,34 @@ void queue_drain::request()
     turn_timer_.start_next_turn();
 }
 
-// Numbers go on where they stood, whatever became of the index files: a number that was used once would be taken for a
-// message that has been applied.
-void queue_drain::repair_indexes()
+// Fresh: set up by cmq_init.
+bool queue_drain::indexes_are_sound() const
 {
-    const fd_owner lock = lock_appends();
-    const int applied = state_.applied();
-    const int current = get_message_index(CMQ_CUR_INDEX);
+    const int current = cmq_get_current_index();
     const int end = get_message_index(CMQ_MAX_INDEX);
-    if (current < 1 && end < 1 && applied == 0) return;  // a fresh queue, set up by cmq_init
+    const bool fresh = current < 1 && end < 1 && state_.applied() == 0;
+    return fresh || (current > state_.applied() && end >= current);
+}
 
-    const int next = std::max(current, applied + 1);
+// Numbers go on where they stood, whatever became of the index files: a number that was used once would be taken for a
+// message that has been applied. False: a producer is appending, try again.
+bool queue_drain::repair_indexes()
+{
+    if (indexes_are_sound()) return true;
+    const append_lock lock;
+    if (!lock.held) return false;
+    const int current = cmq_get_current_index();
+    const int next = std::max(current, state_.applied() + 1);
     if (next != current) {
         SERVER_LOG(LOG_WARNING, "the queue's current index is %d, it continues at %d", current, next);
         set_message_index(CMQ_CUR_INDEX, next);
     }
-    if (end >= next) return;
+    const int end = get_message_index(CMQ_MAX_INDEX);
+    if (end >= next) return true;
     const int repaired = std::max(next, calc_max_msg_index() + 1);
     SERVER_LOG(LOG_WARNING, "the queue's maximum index is %d, it continues at %d", end, repaired);
     set_message_index(CMQ_MAX_INDEX, repaired);
+    return true;
 }
 
 // cmq_init does this on a fresh queue. When it was killed on the way, the queue is set up and the start configuration
@@ -151,8 +163,11 @@ void queue_drain::turn()
         return;
     }
     if (!caught_up_) apply_unrecorded();
-    if (cmq_get_current_index() < 1 || get_message_index(CMQ_MAX_INDEX) < 1) {
-        repair_indexes();
+    if (!indexes_are_sound()) {
+        if (!repair_indexes()) {
+            turn_timer_.start(limits::write_retry);
+            return;
+        }
         cmq_init();
     }
     if (unfinished_.index == 0) {

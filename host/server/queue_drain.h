@@ -30,7 +30,8 @@ public:
     void request();
 
 private:
-    void repair_indexes();
+    bool indexes_are_sound() const;
+    bool repair_indexes();
     void queue_start_configuration();
     void apply_unrecorded();
     void tidy();

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "host/handlers.h"
+#include "host/server/limits.h"
 #include "host/server/log.h"
 #include "host/server/owners.h"
 #include "host/server/refusal_log.h"
@@ -25,6 +26,41 @@ struct tokener_release {
 std::string_view text_of(const std::string &data)
 {
     return std::string_view(data).substr(0, data.find('\0'));
+}
+
+// How many values a JSON text can hold at most, without parsing it.
+size_t values_in(std::string_view text)
+{
+    size_t values = 1;
+    bool quoted = false;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const char character = text[i];
+        if (quoted && character == '\\')
+            ++i;
+        else if (character == '"')
+            quoted = !quoted;
+        else if (!quoted && (character == ',' || character == '{' || character == '['))
+            ++values;
+    }
+    return values;
+}
+
+// The elements of all lists in a message; its nesting is bounded by the parser.
+size_t list_elements_in(json_object *value)
+{
+    size_t count = 0;
+    if (json_object_is_type(value, json_type_array)) {
+        count = json_object_array_length(value);
+        for (size_t i = 0; i < json_object_array_length(value); ++i)
+            count += list_elements_in(json_object_array_get_idx(value, i));
+    } else if (json_object_is_type(value, json_type_object)) {
+        json_object_object_foreach(value, name, child)
+        {
+            (void)name;
+            count += list_elements_in(child);
+        }
+    }
+    return count;
 }
 
 // The one JSON object that the text consists of; nothing more may follow it.
@@ -80,6 +116,12 @@ reply service::register_module(client_record &client, const std::string &data)
 
 void service::set(const client_record &client, const std::string &data)
 {
+    const size_t values = values_in(text_of(data));
+    if (values > limits::message_values) {
+        SERVER_LOG(LOG_WARNING, "'%s' sent a set message of more than %zu values: refused", client.module.c_str(),
+                   limits::message_values);
+        return;
+    }
     const json_ptr message = parse(text_of(data));
     cmesage_info info;
     if (get_cmesage_info(message.get(), &info) != 0 || info.is_get) {
@@ -88,7 +130,11 @@ void service::set(const client_record &client, const std::string &data)
     }
     const std::string sender = info.module ? one_line(info.module, IO_MODULE_SIZE - 1) : "UNKNOWN";
     outcome result;
-    apply_message(message.get(), result);
+    {
+        std::optional<quiet_log> quiet;
+        if (values > limits::logged_values) quiet.emplace(LOG_CRIT);
+        apply_message(message.get(), result);
+    }
     if (result.changes > 0) state_.mark_changed();
     SERVER_LOG(LOG_INFO, "set from %s: %u changes, %zu refusals", sender.c_str(), result.changes,
                result.refusals.size());
@@ -97,10 +143,13 @@ void service::set(const client_record &client, const std::string &data)
 
 reply service::get(const std::string &data)
 {
+    if (values_in(text_of(data)) > limits::message_values) return {reply_code::too_large, {}};
     const json_ptr message = parse(text_of(data));
     cmesage_info info;
     if (get_cmesage_info(message.get(), &info) != 0) return {reply_code::bad_message, {}};
     if (!info.is_get) return {reply_code::not_a_get, {}};
+    if (list_elements_in(message.get()) > limits::get_elements) return {reply_code::too_large, {}};
+    const quiet_log quiet;
     const json_ptr answer(answer_get(message.get()));
     if (!answer) return {reply_code::bad_message, {}};
     const char *const text = json_object_to_json_string_ext(answer.get(), JSON_C_TO_STRING_PLAIN);

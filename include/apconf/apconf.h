@@ -17,6 +17,7 @@
 #ifndef APCONF_APCONF_H
 #define APCONF_APCONF_H
 
+#include "apconf/cli_line.h"
 #include "apconf/cmclient.h"
 #include "apconf/cmessage.h"
 #include "apconf/cmq.h"
@@ -25,9 +26,11 @@
 #include "apconf/config_data.h"
 #include "apconf/cpath.h"
 #include "apconf/description.h"
+#include "apconf/help.h"
 #include "apconf/io_sock.h"
 #include "apconf/packages.h"
 #include "apconf/ptype.h"
+#include "apconf/retrieve.h"
 #include "apconf/store.h"
 #include "apconf/util.h"
 

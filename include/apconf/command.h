@@ -29,7 +29,8 @@ const char *fetch_arg_value(struct json_object *args, const char *name, uint32_t
 const char *fetch_arg_value_inner(struct json_object *args, const char *name, uint32_t ptype, void *value_out,
                                   const char *const *command_name);
 
-/* Logs that the argument has no default value and returns 0; writes nothing. Kept: defaults of the tree are not used. */
+/* Logs that the argument has no default value and returns 0; writes nothing. Kept: defaults of the tree are not used.
+ */
 int fetch_arg_default_value(const char *name, uint32_t ptype, void *value_out, const struct cpath_ctx *ctx);
 
 /* Converts `text` without a range. 0, or -1 logged. */

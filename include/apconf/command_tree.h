@@ -26,10 +26,10 @@ typedef int cmd_get_fn(struct json_object *args, struct json_object **result, st
 
 /* One parameter of a command, filled by the loader. */
 struct cmd_param {
-    char *name;     /* heap, owned */
-    int32_t ptype;  /* see ptype.h */
-    int32_t reserved; /* always 0 */
-    void *range;    /* the ptype's range record, heap, owned; or null */
+    char *name;                        /* heap, owned */
+    int32_t ptype;                     /* see ptype.h */
+    int32_t reserved;                  /* always 0 */
+    void *range;                       /* the ptype's range record, heap, owned; or null */
     struct json_object *default_value; /* JSON string, owned; or null */
 };
 
@@ -56,7 +56,7 @@ struct cpath_stack_entry {
 /* The dispatch context, last argument of every handler. */
 struct cpath_ctx {
     struct cpath_stack_entry stack[CPATH_STACK_DEPTH];
-    int32_t depth;              /* current entry of `stack` */
+    int32_t depth; /* current entry of `stack` */
     uint8_t is_get;
     void *instance;             /* the caller's; the change handlers read a struct lookup_ctx there */
     uintptr_t user;             /* the caller's, not looked at */
@@ -65,12 +65,7 @@ struct cpath_ctx {
 };
 
 /* Bits of a PARAM's "option" attribute. */
-enum {
-    PARAM_OPTION_HIDDEN = 1,
-    PARAM_OPTION_OPTIONAL = 2,
-    PARAM_OPTION_LIST = 4,
-    PARAM_OPTION_PINDEX = 8
-};
+enum { PARAM_OPTION_HIDDEN = 1, PARAM_OPTION_OPTIONAL = 2, PARAM_OPTION_LIST = 4, PARAM_OPTION_PINDEX = 8 };
 
 #pragma GCC visibility push(default)
 

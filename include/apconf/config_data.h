@@ -3,8 +3,8 @@
  * The configuration data block: the whole configuration of the access point in one fixed-layout record, `root`, and the
  * reference copy that tells what a batch changed, `mirror_root`.
  *
- * A field has the width of its ptype, which stands in the comment beside it; keys, ranges and defaults are the schema's.
- * A member expression is the path that the log lines name.
+ * A field has the width of its ptype, which stands in the comment beside it; keys, ranges and defaults are the
+ * schema's. A member expression is the path that the log lines name.
  *
  * Unset: every byte 0xFF, except that pointers and counts are 0 and that the arrays marked "unset: 0" are zero.
  * Text (`char *`) and list members are heap memory that the block owns; setting one always stores a fresh copy, because

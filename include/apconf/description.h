@@ -84,10 +84,10 @@ enum apconf_variant {
     APCONF_SELECTED_ENTRY,      /* a fixed array that with an argument reports its first element */
     APCONF_COUNTED_ARRAY,       /* the first `option` elements of an array, without comparison */
     APCONF_NEVER_REPORTED,
-    APCONF_PACKAGE_NODE,        /* a sub-package: entered when its area differs */
-    APCONF_UNCONDITIONAL_NODE,  /* a sub-package: always entered */
-    APCONF_RECORD_NODE,         /* a sub-package: one instance a record of a fixed array */
-    APCONF_LIST_NODE            /* a sub-package: one instance an element of a variable list */
+    APCONF_PACKAGE_NODE,       /* a sub-package: entered when its area differs */
+    APCONF_UNCONDITIONAL_NODE, /* a sub-package: always entered */
+    APCONF_RECORD_NODE,        /* a sub-package: one instance a record of a fixed array */
+    APCONF_LIST_NODE           /* a sub-package: one instance an element of a variable list */
 };
 
 /* An array in the block, or an area of it (count 1). */

@@ -19,92 +19,92 @@ extern "C" {
 /* The types that are not enumerations: ROW(number, NAME, type of the value in memory).
  * The values of STRING, HEX_STR and BINARY point at the text that was converted; nothing is copied. A RAW_JSON slot is
  * as wide as a pointer and no converter touches it. */
-#define APCONF_SCALAR_PTYPES(ROW)      \
-    ROW(0, RAW_JSON, void *)           \
-    ROW(1, SINT, int32_t)              \
-    ROW(2, UINT8, uint8_t)             \
-    ROW(3, UINT16, uint16_t)           \
-    ROW(4, UINT, uint32_t)             \
-    ROW(5, UINT64, uint64_t)           \
-    ROW(6, FLOAT, float)               \
-    ROW(7, STRING, char *)             \
-    ROW(8, HEX_STR, char *)            \
-    ROW(9, IPV4, uint32_t)             \
+#define APCONF_SCALAR_PTYPES(ROW)        \
+    ROW(0, RAW_JSON, void *)             \
+    ROW(1, SINT, int32_t)                \
+    ROW(2, UINT8, uint8_t)               \
+    ROW(3, UINT16, uint16_t)             \
+    ROW(4, UINT, uint32_t)               \
+    ROW(5, UINT64, uint64_t)             \
+    ROW(6, FLOAT, float)                 \
+    ROW(7, STRING, char *)               \
+    ROW(8, HEX_STR, char *)              \
+    ROW(9, IPV4, uint32_t)               \
     ROW(10, IPV4_MASK, struct ipv4_mask) \
-    ROW(11, MAC_ADDR, struct mac_addr) \
-    ROW(14, TIME_HHMMSS, uint32_t)     \
-    ROW(15, TXPOWER_TYPE, uint32_t)    \
+    ROW(11, MAC_ADDR, struct mac_addr)   \
+    ROW(14, TIME_HHMMSS, uint32_t)       \
+    ROW(15, TXPOWER_TYPE, uint32_t)      \
     ROW(65, BINARY, char *)
 
 /* The enumerated types: ROW(number, NAME, number of pairs in NAME_pairs). Their value is a 32-bit id. */
-#define APCONF_ENUM_PTYPES(ROW)           \
-    ROW(12, STATUS, 2)                    \
-    ROW(13, BOOLEAN, 2)                   \
-    ROW(16, WIRELESS_MODE, 32)            \
-    ROW(17, CHANNEL, 38)                  \
-    ROW(18, WMM_MAP, 4)                   \
-    ROW(19, BEACON_RATE, 12)              \
-    ROW(20, STA_ISOLATE_MODE, 4)          \
-    ROW(21, SWITCHPORT_TYPE, 3)           \
-    ROW(22, DHCP_TYPE, 2)                 \
-    ROW(23, AUTH_TYPE, 8)                 \
-    ROW(24, WEP_KEY_TYPE, 2)              \
-    ROW(25, WPA_TYPE, 2)                  \
-    ROW(26, RADIUS_SEVER_PORT, 2)         \
-    ROW(27, ACCESS_LIST_TYPE, 3)          \
-    ROW(28, COUNTRY_CODE, 26)             \
-    ROW(29, IP_TYPE, 2)                   \
-    ROW(30, IP_NAT_IF, 2)                 \
-    ROW(31, DNS_SERVER_TYPE, 2)           \
-    ROW(32, CAPWAP_IF, 4)                 \
-    ROW(33, CAPWAP_CTL_TYPE, 2)           \
-    ROW(34, LOCATION_MODE, 2)             \
-    ROW(35, PING_TYPE, 2)                 \
-    ROW(36, UPIMG_TYPE, 3)                \
-    ROW(37, UPIMG_SERVER_TYPE, 1)         \
-    ROW(38, AP_MODE, 2)                   \
-    ROW(39, SYSLOG_SEVERITY, 8)           \
-    ROW(40, SYSLOG_FACILITY, 18)          \
-    ROW(41, CIPHER_TYPE, 4)               \
-    ROW(42, TUNNEL_MODE, 6)               \
-    ROW(43, LOCATION_FEATURE, 3)          \
-    ROW(44, REBOOT_TYPE, 5)               \
-    ROW(45, MACAUTH_MODE, 2)              \
-    ROW(46, MAC_CASE, 2)                  \
-    ROW(47, MAC_DELIMITER, 5)             \
-    ROW(48, LED_TYPE, 6)                  \
-    ROW(49, LED_STATUS, 2)                \
-    ROW(50, LED_COLOR, 3)                 \
-    ROW(51, MONTH, 12)                    \
-    ROW(52, WEEKDAY, 7)                   \
-    ROW(53, TIMEZONE, 33)                 \
-    ROW(54, IMAGE_TYPE, 6)                \
-    ROW(55, IMAGE_SOURCE, 2)              \
-    ROW(56, ARM_ASSIGNMENT, 7)            \
-    ROW(57, BAND_STEERING_MODE, 2)        \
-    ROW(58, ADDR_TYPE, 3)                 \
-    ROW(59, COREDUMP_TYPE, 3)             \
-    ROW(60, TIMERANGE_TYPE, 3)            \
-    ROW(61, FTPS_INTERVAL_TYPE, 3)        \
-    ROW(62, FTPS_POLICY_TYPE, 5)          \
-    ROW(63, FTPS_MODE_TYPE, 10)           \
-    ROW(64, FTPS_COMPRESS_TYPE, 3)        \
-    ROW(66, CERT_FORMAT, 3)               \
-    ROW(67, PSK_FORMAT, 3)                \
-    ROW(68, BEACON_REQUEST_MODE, 3)       \
-    ROW(69, MIN_RATE, 31)                 \
-    ROW(70, RADIO_RATES, 12)              \
-    ROW(71, MAC_CHARACTER, 3)             \
-    ROW(72, OPTION82_ID_TYPE, 5)          \
-    ROW(73, STRING_FORMAT, 3)             \
-    ROW(74, HS20_ACCESS_NETWORK_TYPE, 6)  \
-    ROW(75, HS20_NETWORK_AUTH_TYPE, 4)    \
-    ROW(76, HS20_IPV4_TYPE, 8)            \
-    ROW(77, HS20_IPV6_TYPE, 3)            \
-    ROW(78, HS20_WAN_LINK_STATUS, 4)      \
-    ROW(79, MFP_MODE, 3)                  \
-    ROW(80, FORWARD_MODE, 3)              \
-    ROW(81, MCAST_RATE, 12)               \
+#define APCONF_ENUM_PTYPES(ROW)          \
+    ROW(12, STATUS, 2)                   \
+    ROW(13, BOOLEAN, 2)                  \
+    ROW(16, WIRELESS_MODE, 32)           \
+    ROW(17, CHANNEL, 38)                 \
+    ROW(18, WMM_MAP, 4)                  \
+    ROW(19, BEACON_RATE, 12)             \
+    ROW(20, STA_ISOLATE_MODE, 4)         \
+    ROW(21, SWITCHPORT_TYPE, 3)          \
+    ROW(22, DHCP_TYPE, 2)                \
+    ROW(23, AUTH_TYPE, 8)                \
+    ROW(24, WEP_KEY_TYPE, 2)             \
+    ROW(25, WPA_TYPE, 2)                 \
+    ROW(26, RADIUS_SEVER_PORT, 2)        \
+    ROW(27, ACCESS_LIST_TYPE, 3)         \
+    ROW(28, COUNTRY_CODE, 26)            \
+    ROW(29, IP_TYPE, 2)                  \
+    ROW(30, IP_NAT_IF, 2)                \
+    ROW(31, DNS_SERVER_TYPE, 2)          \
+    ROW(32, CAPWAP_IF, 4)                \
+    ROW(33, CAPWAP_CTL_TYPE, 2)          \
+    ROW(34, LOCATION_MODE, 2)            \
+    ROW(35, PING_TYPE, 2)                \
+    ROW(36, UPIMG_TYPE, 3)               \
+    ROW(37, UPIMG_SERVER_TYPE, 1)        \
+    ROW(38, AP_MODE, 2)                  \
+    ROW(39, SYSLOG_SEVERITY, 8)          \
+    ROW(40, SYSLOG_FACILITY, 18)         \
+    ROW(41, CIPHER_TYPE, 4)              \
+    ROW(42, TUNNEL_MODE, 6)              \
+    ROW(43, LOCATION_FEATURE, 3)         \
+    ROW(44, REBOOT_TYPE, 5)              \
+    ROW(45, MACAUTH_MODE, 2)             \
+    ROW(46, MAC_CASE, 2)                 \
+    ROW(47, MAC_DELIMITER, 5)            \
+    ROW(48, LED_TYPE, 6)                 \
+    ROW(49, LED_STATUS, 2)               \
+    ROW(50, LED_COLOR, 3)                \
+    ROW(51, MONTH, 12)                   \
+    ROW(52, WEEKDAY, 7)                  \
+    ROW(53, TIMEZONE, 33)                \
+    ROW(54, IMAGE_TYPE, 6)               \
+    ROW(55, IMAGE_SOURCE, 2)             \
+    ROW(56, ARM_ASSIGNMENT, 7)           \
+    ROW(57, BAND_STEERING_MODE, 2)       \
+    ROW(58, ADDR_TYPE, 3)                \
+    ROW(59, COREDUMP_TYPE, 3)            \
+    ROW(60, TIMERANGE_TYPE, 3)           \
+    ROW(61, FTPS_INTERVAL_TYPE, 3)       \
+    ROW(62, FTPS_POLICY_TYPE, 5)         \
+    ROW(63, FTPS_MODE_TYPE, 10)          \
+    ROW(64, FTPS_COMPRESS_TYPE, 3)       \
+    ROW(66, CERT_FORMAT, 3)              \
+    ROW(67, PSK_FORMAT, 3)               \
+    ROW(68, BEACON_REQUEST_MODE, 3)      \
+    ROW(69, MIN_RATE, 31)                \
+    ROW(70, RADIO_RATES, 12)             \
+    ROW(71, MAC_CHARACTER, 3)            \
+    ROW(72, OPTION82_ID_TYPE, 5)         \
+    ROW(73, STRING_FORMAT, 3)            \
+    ROW(74, HS20_ACCESS_NETWORK_TYPE, 6) \
+    ROW(75, HS20_NETWORK_AUTH_TYPE, 4)   \
+    ROW(76, HS20_IPV4_TYPE, 8)           \
+    ROW(77, HS20_IPV6_TYPE, 3)           \
+    ROW(78, HS20_WAN_LINK_STATUS, 4)     \
+    ROW(79, MFP_MODE, 3)                 \
+    ROW(80, FORWARD_MODE, 3)             \
+    ROW(81, MCAST_RATE, 12)              \
     ROW(82, HE_SHORTGI, 4)
 
 /* PTYPE_STATUS is 12, and so on for all 83; PTYPE_COUNT is the first number that is no type. */
@@ -198,8 +198,8 @@ extern const struct uint_range default_uint_range;
 
 /* int NAME_to_ptype(const char *, void *, const void *) and int NAME_to_string(const void *, char *, size_t,
  * const void *) for all 83 types; struct enum_pair NAME_pairs[count] for the enumerated ones. */
-#define APCONF_DECLARE_CONVERTERS(number, NAME, detail)                            \
-    int NAME##_to_ptype(const char *text, void *value_out, const void *range);     \
+#define APCONF_DECLARE_CONVERTERS(number, NAME, detail)                        \
+    int NAME##_to_ptype(const char *text, void *value_out, const void *range); \
     int NAME##_to_string(const void *value, char *text_out, size_t text_size, const void *range);
 #define APCONF_DECLARE_PAIRS(number, NAME, count) extern const struct enum_pair NAME##_pairs[count];
 APCONF_SCALAR_PTYPES(APCONF_DECLARE_CONVERTERS)

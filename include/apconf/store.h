@@ -25,7 +25,8 @@ void free_vap_cmd_tree_data(uint32_t radio, uint32_t wlan);
  * is queued in either case. */
 int apply_cmd_tree_data(void);
 
-/* The queue index that the last commit of this process was given, or -1 when there was none or it could not be queued. */
+/* The queue index that the last commit of this process was given, or -1 when there was none or it could not be queued.
+ */
 int apconf_committed_index(void);
 
 #pragma GCC visibility pop

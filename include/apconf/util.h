@@ -33,7 +33,8 @@ struct json_object *search_child_obj(struct json_object *obj, const char *key, c
 /* The first child element called exactly `name`, or null. */
 struct _xmlNode *search_child_node(struct _xmlNode *node, const char *name);
 
-/* The text of attribute `name` of an element, owned by the document; null when the attribute is absent or has no text. */
+/* The text of attribute `name` of an element, owned by the document; null when the attribute is absent or has no text.
+ */
 const char *get_xmlnode_attr(const struct _xmlNode *node, const char *name);
 
 /* Appends all of `text`, or its first `n` characters at most, to the heap string in `*buffer` (null: empty). Does

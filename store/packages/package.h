@@ -101,10 +101,10 @@ consteval apconf_field values_row(const char *key, const char *member, size_t of
 {
     using value = typename value_type<ptype>::in_block;
     if constexpr (std::is_array_v<Member>) {
-        static_assert(std::is_same_v<std::remove_extent_t<Member>, value>);
+        static_assert(std::is_same_v<std::remove_extent_t<Member>, value>, "the array is not of the ptype's values");
         return {key, member, static_cast<uint32_t>(offset), std::extent_v<Member>, ptype, APCONF_FIELD_VALUES, 0, 0};
     } else {
-        static_assert(std::is_same_v<decltype(Member::list), value *>);
+        static_assert(std::is_same_v<decltype(Member::list), value *>, "the list is not of the ptype's values");
         return {key, member, static_cast<uint32_t>(offset), 1, ptype, APCONF_FIELD_LIST, 0, 0};
     }
 }
@@ -261,19 +261,22 @@ constexpr auto build_commands(std::integer_sequence<int, number...>)
         }                                                                               \
     };
 
-// The table is built as one object and exported under the array's name.
+// The table is built as one object and exported under the array's name. All that leads to a table goes by that name: a
+// program that names the array may have it copied into itself, and then the copy is the table.
 #define END_PACKAGE(name)                                                               \
     using numbers = std::make_integer_sequence<int, __COUNTER__ - first_entry>;         \
     constexpr auto commands = build_commands<entry>(numbers{});                         \
     inline const apconf_command &described(int number) { return commands[static_cast<size_t>(number)]; } \
     }                                                                                   \
-    extern const apconf_package package_##name;                                         \
     extern "C" {                                                                        \
     constinit auto apconf_table_##name = build_table<entry>(numbers{});                 \
     }                                                                                   \
-    constinit const apconf_package package_##name = {#name, apconf_table_##name.data(), commands.data(), commands.size()}; \
     }                                                                                   \
-    extern "C" cmd_node lib_pkg_##name[apconf::commands.size() + 1] __attribute__((alias("apconf_table_" #name)));
+    extern "C" cmd_node lib_pkg_##name[apconf::commands.size() + 1] __attribute__((alias("apconf_table_" #name))); \
+    namespace apconf {                                                                  \
+    extern const apconf_package package_##name;                                         \
+    constinit const apconf_package package_##name = {#name, lib_pkg_##name, commands.data(), commands.size()}; \
+    }
 
 // A place in the package's record. In the path of an array's element the index is written i: element 0 stands for all.
 #define OFFSET(place) ([]() consteval -> size_t { [[maybe_unused]] constexpr size_t i = 0; return offsetof(record, place); }())

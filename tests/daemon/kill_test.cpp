@@ -4,7 +4,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <memory>
 #include <random>
@@ -66,6 +68,13 @@ std::vector<int> applied_in_log(const std::string &log)
     return numbers;
 }
 
+size_t count_of(const std::string &text, const std::string &part)
+{
+    size_t count = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+    return count;
+}
+
 std::unique_ptr<server_process> start()
 {
     return std::make_unique<server_process>(std::vector<std::string>{"--archive-limit", std::to_string(2 * total)});
@@ -107,6 +116,7 @@ TEST(killed_server, applies_every_message_exactly_once_and_in_order)
             << "message " << index;
     EXPECT_EQ(hostname_of_server(), notes.rbegin()->second);
 
+    printf("%zu messages applied anew\n", count_of(server->log(), "anew"));
     const auto logged = applied_in_log(server->log());
     EXPECT_GE(logged.size(), static_cast<size_t>(total - kills));
     EXPECT_TRUE(std::is_sorted(logged.begin(), logged.end(), std::less_equal<>()))

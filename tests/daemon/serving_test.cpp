@@ -6,7 +6,6 @@
 
 #include "daemon/server_process.h"
 #include "host/reply_codes.h"
-#include "host/server/credentials.h"
 #include "host/server/log.h"
 
 using namespace apconf_test;
@@ -81,7 +80,8 @@ TEST_F(serving, unknown_types_are_answered_with_a_code)
 {
     server_process server;
     ASSERT_TRUE(server.wait_until_serving());
-    for (const uint8_t type : {0, 3, 7, 64, 255}) EXPECT_EQ(code_of(type, ""), code(reply_code::unknown_type));
+    for (const uint8_t type : std::initializer_list<uint8_t>{0, 3, 7, 64, 255})
+        EXPECT_EQ(code_of(type, ""), code(reply_code::unknown_type));
 }
 
 TEST_F(serving, set_message_without_its_nul_is_taken)
@@ -190,34 +190,6 @@ TEST_F(serving, socket_is_for_the_own_user_or_for_a_group)
     ASSERT_EQ(stat(IO_SOCK_PATH, &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0660u);
     EXPECT_EQ(status.st_gid, 0u);
-}
-
-TEST(access_rule, permits_root_the_own_user_and_members_of_the_group)
-{
-    const apconf_host::access_rule alone = {1000, std::nullopt};
-    EXPECT_TRUE(alone.permits({1, 0, {}}));
-    EXPECT_TRUE(alone.permits({1, 1000, {}}));
-    EXPECT_FALSE(alone.permits({1, 1001, {0, 50}}));
-    const apconf_host::access_rule with_group = {1000, 50};
-    EXPECT_TRUE(with_group.permits({1, 1001, {7, 50}}));
-    EXPECT_FALSE(with_group.permits({1, 1001, {7, 51}}));
-    EXPECT_FALSE(with_group.permits({1, 1001, {}}));
-}
-
-TEST(access_rule, reads_the_peer_from_the_kernel)
-{
-    int ends[2];
-    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
-    const auto peer = apconf_host::peer_of(ends[0]);
-    ASSERT_TRUE(peer);
-    EXPECT_EQ(peer->pid, getpid());
-    EXPECT_EQ(peer->uid, geteuid());
-    EXPECT_THAT(peer->groups, testing::Contains(getegid()));
-    std::vector<gid_t> own(256);
-    own.resize(static_cast<size_t>(getgroups(256, own.data())));
-    for (const gid_t group : own) EXPECT_THAT(peer->groups, testing::Contains(group));
-    close(ends[0]);
-    close(ends[1]);
 }
 
 TEST(one_line, keeps_a_peers_text_on_its_line)

@@ -158,13 +158,13 @@ TEST_F(starting, symbolic_link_in_place_of_a_queue_directory_is_refused)
     ASSERT_EQ(symlink("/tmp/elsewhere", CMQ_DIR), 0);
     std::string output;
     EXPECT_EQ(run_to_end({"--foreground"}, &output), 1);
-    EXPECT_THAT(output, HasSubstr("'/tmp/cmessage_queue' is not a directory of its own"));
+    EXPECT_THAT(output, HasSubstr("'/tmp/cmessage_queue' is no directory"));
 
     ASSERT_EQ(unlink(CMQ_DIR), 0);
     ASSERT_EQ(mkdir(CMQ_DIR, 0700), 0);
     ASSERT_EQ(symlink("/tmp/elsewhere", CMQ_NEW_DIR), 0);
     EXPECT_EQ(run_to_end({"--foreground"}, &output), 1);
-    EXPECT_THAT(output, HasSubstr("'/tmp/cmessage_queue/new' is not a directory of its own"));
+    EXPECT_THAT(output, HasSubstr("'/tmp/cmessage_queue/new' is no directory"));
     EXPECT_TRUE(std::filesystem::is_empty("/tmp/elsewhere"));
     rmdir("/tmp/elsewhere");
 }

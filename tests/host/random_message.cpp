@@ -95,6 +95,7 @@ json_object *random_message::instances(const cmd_node &node, const apconf_comman
 
 json_object *random_message::command(const cmd_node &node, const apconf_command &described)
 {
+    made_.insert(&node);
     switch (described.variant) {
         case APCONF_FLAG:
         case APCONF_NEGATABLE_GROUP:

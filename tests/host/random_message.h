@@ -2,6 +2,7 @@
 #pragma once
 
 #include <random>
+#include <set>
 
 #include "host/instances.h"
 #include "host/json.h"
@@ -17,6 +18,9 @@ public:
 
     // {"ACTION": "set", "config": {...}}
     apconf_host::json_ptr make();
+
+    // The commands that messages have held so far.
+    const std::set<const cmd_node *> &made() const { return made_; }
 
     // The argument object of one command, all keys given.
     json_object *arguments(const cmd_node &node, const apconf_command &command);
@@ -38,6 +42,7 @@ private:
 
     std::mt19937_64 source_;
     unsigned density_;
+    std::set<const cmd_node *> made_;
 };
 
 }  // namespace apconf_test

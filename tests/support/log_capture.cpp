@@ -6,7 +6,8 @@
 #include <cstdarg>
 #include <cstdio>
 
-namespace {
+namespace
+{
 
 std::vector<apconf_test::log_line> captured;
 bool capturing = false;
@@ -51,7 +52,8 @@ void __syslog_chk(int priority, int, const char *format, ...)
 }
 }
 
-namespace apconf_test {
+namespace apconf_test
+{
 
 log_capture::log_capture()
 {
@@ -59,9 +61,15 @@ log_capture::log_capture()
     capturing = true;
 }
 
-log_capture::~log_capture() { capturing = false; }
+log_capture::~log_capture()
+{
+    capturing = false;
+}
 
-const std::vector<log_line> &log_capture::lines() const { return captured; }
+const std::vector<log_line> &log_capture::lines() const
+{
+    return captured;
+}
 
 std::vector<std::string> log_capture::texts() const
 {
@@ -85,6 +93,9 @@ bool log_capture::has(int priority, const std::string &function, const std::stri
     });
 }
 
-void log_capture::clear() { captured.clear(); }
+void log_capture::clear()
+{
+    captured.clear();
+}
 
 }  // namespace apconf_test

@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-namespace apconf_test {
+namespace apconf_test
+{
 
 struct log_line {
     int priority;
@@ -14,7 +15,8 @@ struct log_line {
 };
 
 // Collects from construction on; captures do not nest.
-class log_capture {
+class log_capture
+{
 public:
     log_capture();
     ~log_capture();
@@ -22,8 +24,8 @@ public:
     log_capture &operator=(const log_capture &) = delete;
 
     const std::vector<log_line> &lines() const;
-    std::vector<std::string> texts() const;                // all texts, in order
-    std::vector<std::string> texts(int priority) const;    // those of one priority
+    std::vector<std::string> texts() const;              // all texts, in order
+    std::vector<std::string> texts(int priority) const;  // those of one priority
     bool has(int priority, const std::string &function, const std::string &text) const;
     void clear();
 };

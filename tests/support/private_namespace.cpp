@@ -5,7 +5,8 @@
 
 #include <gtest/gtest.h>
 
-namespace apconf_test {
+namespace apconf_test
+{
 
 bool in_private_namespace()
 {
@@ -13,10 +14,12 @@ bool in_private_namespace()
     return marker && strcmp(marker, "inside") == 0;
 }
 
-namespace {
+namespace
+{
 
 // Stops the program before any test can touch the machine's own /etc and /tmp.
-class private_namespace_guard : public testing::Environment {
+class private_namespace_guard : public testing::Environment
+{
     void SetUp() override
     {
         ASSERT_TRUE(in_private_namespace())
@@ -24,8 +27,7 @@ class private_namespace_guard : public testing::Environment {
     }
 };
 
-const auto *const guard [[maybe_unused]] =
-    testing::AddGlobalTestEnvironment(new private_namespace_guard);
+const auto *const guard [[maybe_unused]] = testing::AddGlobalTestEnvironment(new private_namespace_guard);
 
 }  // namespace
 }  // namespace apconf_test
