@@ -36,7 +36,7 @@ inline unsigned digit_value(char character)
     return letter < 6 ? letter + 10 : 16;
 }
 
-// Blanks, a sign and digits; base 0 knows 0x and a leading 0, as in C.
+// Blanks, a sign and digits; base 0 knows 0x and a leading 0, as in C, but takes 0x alone for no number at all.
 template <typename Unsigned>
 inline scanned_number<Unsigned> scan_number(const char *text, unsigned base)
 {
@@ -47,8 +47,7 @@ inline scanned_number<Unsigned> scan_number(const char *text, unsigned base)
     if (*cursor == '-' || *cursor == '+') ++cursor;
     if (base == 0) {
         base = *cursor == '0' ? 8 : 10;
-        // Without a digit behind it, "0x" is the number 0 and an x.
-        if (*cursor == '0' && (cursor[1] == 'x' || cursor[1] == 'X') && digit_value(cursor[2]) < 16) {
+        if (*cursor == '0' && (cursor[1] == 'x' || cursor[1] == 'X')) {
             base = 16;
             cursor += 2;
         }

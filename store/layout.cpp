@@ -39,7 +39,8 @@ static_assert(offsetof(bss_config, state) == 0 && offsetof(bss_config, shutdown_
 static_assert(offsetof(bss_config, ssid_cmd) == 8);
 static_assert(offsetof(access_list_config, mac_acl_cmd) == offsetof(access_list_config, mac_acl_cmd_opt) + 4);
 static_assert(sizeof(access_list_config::mac_acl_cmd) == 256 * sizeof(mac_addr));
-static_assert(sizeof(time_range) == 8 && sizeof(config_data::log_server_cmd) == 20 * 3 * word);
+static_assert(sizeof(time_range) == 8 &&
+              sizeof(config_data::log_server_cmd) == 20 * sizeof(config_data::log_server_cmd[0]));
 static_assert(sizeof(dhcp_server_config::dns_list_cmd) == 4096);
 static_assert(offsetof(vlan_config, vlan_id) == 0);
 IN_ORDER(vlan_config, vlan_id, ip_address_cmd);

@@ -2,6 +2,7 @@
 #include "host/server/connection.h"
 
 #include <sys/socket.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -205,13 +206,30 @@ void connection::serve(const io_msg &header, const std::string &data)
 void connection::send(const reply &reply)
 {
     const io_msg header = reply_header(reply.code, reply.data.size());
-    if (bufferevent_write(output_.get(), &header, header_size) < 0 ||
-        bufferevent_write(output_.get(), reply.data.data(), reply.data.size()) < 0)
+    const size_t sent = waiting_replies() == 0 ? send_now(header, reply.data) : 0;
+    if (sent == header_size + reply.data.size()) return;
+    const size_t of_header = std::min(sent, header_size);
+    const size_t of_data = sent - of_header;
+    if (bufferevent_write(output_.get(), reinterpret_cast<const char *>(&header) + of_header, header_size - of_header) <
+            0 ||
+        bufferevent_write(output_.get(), reply.data.data() + of_data, reply.data.size() - of_data) < 0)
         throw std::bad_alloc();
     if (waiting_replies() > limits::pending_replies)
         drop("it does not read its replies");
     else
         reply_timer_.start(limits::reply_time);
+}
+
+// Most replies fit into the socket and need no second turn of the loop. Returns the bytes that it took; a socket that
+// takes none, or is broken, is the buffered writer's to deal with.
+size_t connection::send_now(io_msg header, const std::string &data)
+{
+    iovec parts[] = {{&header, header_size}, {const_cast<char *>(data.data()), data.size()}};
+    msghdr message = {};
+    message.msg_iov = parts;
+    message.msg_iovlen = 2;
+    const ssize_t count = sendmsg(bufferevent_getfd(output_.get()), &message, MSG_DONTWAIT | MSG_NOSIGNAL);
+    return count > 0 ? static_cast<size_t>(count) : 0;
 }
 
 // A code on the way out. As much as the socket takes at once: this client is not waited for any more.

@@ -57,6 +57,7 @@ private:
     void wait_for_more();
     void serve(const io_msg &header, const std::string &data);
     void send(const reply &reply);
+    size_t send_now(io_msg header, const std::string &data);
     void send_last(reply_code code);
     void drop(const std::string &reason);
     void close();

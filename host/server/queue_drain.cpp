@@ -40,6 +40,15 @@ struct append_lock {
     bool held = !fd || flock(fd.get(), LOCK_EX | LOCK_NB) == 0;
 };
 
+// The running configuration as a message of its own, in the name of whom it came from.
+json_ptr archived_message(const std::string &module)
+{
+    json_ptr message = configuration_snapshot();
+    json_object_object_add(message.get(), "MODULE", json_object_new_string(module.c_str()));
+    json_object_object_add(message.get(), "ACTION", json_object_new_string("set"));
+    return message;
+}
+
 bool save_bad_file(int index, const std::vector<refusal> &refusals)
 {
     const file_owner file(cmq_create_bad_file(index));
@@ -120,7 +129,7 @@ void queue_drain::tidy()
 {
     const int applied = state_.applied();
     if (applied > 0 && !old_.holds(applied)) {
-        cmq_save_old_config(applied, configuration_snapshot().get());
+        cmq_save_old_config(applied, archived_message("UNKNOWN").get());
         old_.added(applied);
     }
     for (const int index : numbers_in(CMQ_NEW_DIR, ".json"))
@@ -228,7 +237,7 @@ bool queue_drain::finish()
             SERVER_LOG(LOG_ERR, "cannot write the bad file of message %d", index);
         bad_.added(index);
     }
-    cmq_save_old_config(index, configuration_snapshot().get());
+    cmq_save_old_config(index, archived_message(unfinished_.module).get());
     old_.added(index);
     if (!state_.record(index)) return false;
 

@@ -15,6 +15,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <utility>
 
@@ -29,7 +30,9 @@ constexpr const char *log_path = "/tmp/apconfd.log";
 
 pid_t start_apconfd(const std::vector<std::string> &arguments, const char *output_path)
 {
-    std::vector<std::string> words = {APCONFD};
+    // Behind an emulator's words, when the program is for another machine.
+    std::istringstream command(APCONFD);
+    std::vector<std::string> words(std::istream_iterator<std::string>(command), {});
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char *> argv;
     for (std::string &word : words) argv.push_back(word.data());
@@ -40,7 +43,7 @@ pid_t start_apconfd(const std::vector<std::string> &arguments, const char *outpu
     const int output = open(output_path, O_WRONLY | O_CREAT | O_APPEND, 0600);
     dup2(output, 1);
     dup2(output, 2);
-    execv(argv[0], argv.data());
+    execvp(argv[0], argv.data());
     _exit(127);
 }
 

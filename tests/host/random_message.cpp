@@ -182,7 +182,7 @@ std::string random_message::text(uint32_t ptype, const void *range)
     // The converter back to text measures a HEX_STR with its end; one less keeps both directions inside the range.
     for (uint64_t left = number(std::max<uint64_t>(least, 1), std::max(least, std::min<uint64_t>(most, 40))); left;
          --left)
-        result += letters[number(0, letters.size() - 1)];
+        result += letters[static_cast<size_t>(number(0, letters.size() - 1))];
     return result;
 }
 
@@ -231,7 +231,7 @@ std::string random_message::single_value(const cmd_node &node, const apconf_fiel
                    std::to_string(number(0, 59));
         default: {
             const auto tokens = apconf_host::tokens_of(field.ptype);
-            return tokens.at(number(0, tokens.size() - 1));
+            return tokens.at(static_cast<size_t>(number(0, tokens.size() - 1)));
         }
     }
 }

@@ -1257,7 +1257,8 @@ TEST_F(Dispatch, MemoryDoesNotGrowWithTheNumberOfMessages)
     for (int i = 0; i < 20; i++) round();
     const size_t before = memory_in_use();
     for (int i = 0; i < 500; i++) round();
-    EXPECT_LE(memory_in_use(), before + 4096);
+    // The allocator's own caches still fill up; one forgotten object a round would be 24000 bytes and more.
+    EXPECT_LE(memory_in_use(), before + 16384);
 }
 
 }  // namespace

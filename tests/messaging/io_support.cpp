@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -171,6 +172,7 @@ tiny_server::tiny_server(const std::string &path, serve_fn serve) : path_(path)
     const int listener = listening_socket(path);
     child_ = fork();
     if (child_ == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test program that crashes leaves no server behind
         signal(SIGPIPE, SIG_IGN);
         close(reports_[0]);
         serve(*this, listener);

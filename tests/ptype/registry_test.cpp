@@ -38,14 +38,22 @@ TEST(Registry, HoldsEveryTypeUnderItsNumberWithItsNameAndSize)
 
 TEST(Registry, EveryRecordLeadsToTheConvertersOfItsName)
 {
-#define EXPECT_CONVERTERS(number, NAME, detail)                 \
-    EXPECT_STREQ(param_types[number].name, #NAME);              \
-    EXPECT_EQ(param_types[number].to_value, NAME##_to_ptype);   \
-    EXPECT_EQ(param_types[number].to_string, NAME##_to_string); \
-    EXPECT_EQ(PTYPE_##NAME, number);
-    APCONF_SCALAR_PTYPES(EXPECT_CONVERTERS)
-    APCONF_ENUM_PTYPES(EXPECT_CONVERTERS)
-#undef EXPECT_CONVERTERS
+    struct converters {
+        int number, constant;
+        ptype_to_value_fn *to_value;
+        ptype_to_string_fn *to_string;
+    };
+    const std::vector<converters> all = {
+#define CONVERTERS(number, NAME, detail) {number, PTYPE_##NAME, NAME##_to_ptype, NAME##_to_string},
+        APCONF_SCALAR_PTYPES(CONVERTERS) APCONF_ENUM_PTYPES(CONVERTERS)
+#undef CONVERTERS
+    };
+    EXPECT_EQ(all.size(), size_t{PTYPE_COUNT});
+    for (const auto &expected : all) {
+        EXPECT_EQ(expected.constant, expected.number);
+        EXPECT_EQ(param_types[expected.number].to_value, expected.to_value) << expected.number;
+        EXPECT_EQ(param_types[expected.number].to_string, expected.to_string) << expected.number;
+    }
 }
 
 TEST(Registry, NamesAreCaseSensitiveAndUnknownOnesGiveMinusOne)

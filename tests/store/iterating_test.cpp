@@ -341,6 +341,45 @@ TEST_F(iterating_test, a_count_that_no_memory_can_hold_fails)
 
 // ---- in a message ----
 
+// What a get of one command answers; the packages on its path choose their instances from the parameters.
+std::string get_by_path(const std::string &path, const std::string &param, lookup_ctx &lookup)
+{
+    register_root_cmd(lib_pkg_root);
+    json_object *const message =
+        json_tokener_parse((R"({"ACTION":"get","CPATH":{"path":")" + path + R"(","param":)" + param + "}}").c_str());
+    cmesage_info info;
+    json_object *answer = nullptr;
+    EXPECT_EQ(get_cmesage_info(message, &info), 0);
+    EXPECT_EQ(cmessage_parser(&info, &answer, 0, &lookup), 0);
+    std::string shown = json_text(answer);
+    json_object_put(answer);
+    json_object_put(message);
+    return shown;
+}
+
+TEST_F(iterating_test, a_get_by_path_answers_for_the_instances_it_names)
+{
+    config.radio[1].bss[2].ssid_cmd.ssid = text("office");
+    make_vlans(2);
+    config.vlan.list[1].vlan_id = 7;
+    config.vlan.list[1].ip_address_cmd.ip_type = 0;
+    EXPECT_EQ(get_by_path("/config/radio/bss/ssid_cmd", R"({"radio_id":"1","wlan_id":"2"})", lookup),
+              R"({"config":{"radio":{"bss":{"ssid_cmd":{"ssid":"office"}}}}})");
+    EXPECT_EQ(get_by_path("/config/radio/bss/ssid_cmd", R"({"radio_id":"1","wlan_id":"3"})", lookup),
+              R"({"config":{"radio":{"bss":{}}}})");
+    EXPECT_EQ(get_by_path("/config/vlan/ip_address_cmd", R"({"vlan_id":"7"})", lookup),
+              R"({"config":{"vlan":{"ip_address_cmd":{"ip_type":"dhcp"}}}})");
+}
+
+TEST_F(iterating_test, a_get_by_path_ends_at_an_instance_that_is_not_there)
+{
+    EXPECT_EQ(get_by_path("/config/radio/channel_cmd", R"({"radio_id":"2"})", lookup), R"({"config":{}})");
+    EXPECT_EQ(get_by_path("/config/radio/bss/ssid_cmd", R"({"radio_id":"1","wlan_id":"16"})", lookup),
+              R"({"config":{"radio":{}}})");
+    EXPECT_EQ(get_by_path("/config/ip_acl/ace_cmd", R"({"identify":"1"})", lookup), R"({"config":{}})");
+    EXPECT_EQ(get_by_path("/config/vlan/dhcp_cmd", R"({"vlan_id":"1"})", lookup), R"({"config":{"vlan":{}}})");
+}
+
 TEST_F(iterating_test, tables_are_entered_once_an_instance)
 {
     config.radio[0].channel_cmd.channel = 1;
