@@ -18,3 +18,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/apconf.pc DESTINATION ${CMAKE_INSTALL_
 install(FILES etc/config_cmd_tree.xml etc/cmd_tree_help.txt DESTINATION /etc)
 install(FILES etc/start_config.json DESTINATION /etc/config)
 install(FILES etc/config_cmd_tree.rng DESTINATION ${CMAKE_INSTALL_DATADIR}/apconf)
+
+if(APCONF_BUILD_HOST)
+    install(FILES packaging/apconfd.service DESTINATION lib/systemd/system)
+endif()
