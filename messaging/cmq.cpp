@@ -15,6 +15,7 @@
 #include <cstring>
 #include <utility>
 
+#include "ptype/target_parse.h"
 #include "util/log.h"
 #include "util/owners.h"
 
@@ -36,14 +37,6 @@ struct message_path {
 
 int backups[CMQ_BACKUP_COUNT];
 int backup_position = 0;
-
-// `atoi` with 32-bit numbers: what lies beyond saturates, whatever width `long` has here.
-int text_to_index(const char *text)
-{
-    const long long value = strtoll(text, nullptr, 10);
-    if (value > INT_MAX) return INT_MAX;
-    return value < INT_MIN ? INT_MIN : static_cast<int>(value);
-}
 
 // <directory>/<index><suffix>; the longest one fits with room to spare.
 message_path path_of(const char *directory, int index, const char *suffix)
@@ -85,7 +78,7 @@ int read_index(const char *function, int fd, const char *path, size_t limit, int
         LOG_AS(function, LOG_ERR, "get message index from '%s' failed!", path);
         return 0;
     }
-    const int index = text_to_index(line);
+    const int index = apconf::parse_leading_int(line);
     if (index != 0 && index != INT_MAX && index >= lowest) return index;
     LOG_AS(function, LOG_ERR, "invalid message index '%s' in file '%s'", line, path);
     return 0;
@@ -179,7 +172,7 @@ int calc_max_msg_index(void)
     int highest = 0;
     while (const dirent *entry = readdir(directory.get())) {
         if (!strstr(entry->d_name, ".json")) continue;
-        const int index = text_to_index(entry->d_name);
+        const int index = apconf::parse_leading_int(entry->d_name);
         if (index > highest) highest = index;
     }
     return highest;
