@@ -27,13 +27,25 @@ inline bool is_blank(char character)
     return character == ' ' || (character >= '\t' && character <= '\r');
 }
 
-// The digit's value, or 16 for what is no hexadecimal digit.
+// The digit's value; `base` or more for what is no digit.
+template <unsigned base>
 inline unsigned digit_value(char character)
 {
     const unsigned code = static_cast<unsigned char>(character);
-    if (code - '0' < 10) return code - '0';
+    if (base <= 10 || code - '0' < 10) return code - '0';
     const unsigned letter = (code | 0x20) - 'a';
-    return letter < 6 ? letter + 10 : 16;
+    return letter < base - 10 ? letter + 10 : base;
+}
+
+// Takes digits off the text. The base is known to the compiler: multiplying by it is most of the work.
+template <unsigned base, typename Unsigned>
+inline const char *scan_digits(const char *cursor, scanned_number<Unsigned> &number)
+{
+    for (unsigned digit; (digit = digit_value<base>(*cursor)) < base; ++cursor) {
+        number.overflow |= __builtin_mul_overflow(number.magnitude, base, &number.magnitude);
+        number.overflow |= __builtin_add_overflow(number.magnitude, digit, &number.magnitude);
+    }
+    return cursor;
 }
 
 // Blanks, a sign and digits; base 0 knows 0x and a leading 0, as in C, but takes 0x alone for no number at all.
@@ -53,9 +65,15 @@ inline scanned_number<Unsigned> scan_number(const char *text, unsigned base)
         }
     }
     const char *const digits = cursor;
-    for (unsigned digit; (digit = digit_value(*cursor)) < base; ++cursor) {
-        number.overflow |= __builtin_mul_overflow(number.magnitude, base, &number.magnitude);
-        number.overflow |= __builtin_add_overflow(number.magnitude, digit, &number.magnitude);
+    switch (base) {
+        case 8:
+            cursor = scan_digits<8>(cursor, number);
+            break;
+        case 16:
+            cursor = scan_digits<16>(cursor, number);
+            break;
+        default:
+            cursor = scan_digits<10>(cursor, number);
     }
     number.end = cursor == digits ? text : cursor;
     return number;

@@ -36,24 +36,32 @@ bool line_buffer::reserve(size_t added)
 void line_buffer::append(const char *format, ...)
 {
     if (full_) return;
+    // Nearly every piece fits in what is left, so the first attempt is the last one.
+    const size_t room = capacity_ - length_;
     va_list arguments;
     va_start(arguments, format);
-    const int added = vsnprintf(nullptr, 0, format, arguments);
+    const int added = vsnprintf(text_.get() + length_, room, format, arguments);
     va_end(arguments);
     if (added < 0 || !reserve(static_cast<size_t>(added))) {
         LOG_AS("append_line", LOG_ERR, "line is too long after %zu characters, skip it", length_);
         full_ = dropped_ = true;
         return;
     }
-    va_start(arguments, format);
-    vsnprintf(text_.get() + length_, capacity_ - length_, format, arguments);
-    va_end(arguments);
+    if (static_cast<size_t>(added) >= room) {
+        va_start(arguments, format);
+        vsnprintf(text_.get() + length_, capacity_ - length_, format, arguments);
+        va_end(arguments);
+    }
     length_ += static_cast<size_t>(added);
 }
 
 void line_buffer::flush()
 {
-    if (!dropped_) fprintf(out_, "%*s%s\n", indent, "", length_ > 0 ? text_.get() : "");
+    if (!dropped_) {
+        fprintf(out_, "%*s", indent, "");
+        fwrite(text_.get(), 1, length_, out_);
+        putc('\n', out_);
+    }
     length_ = 0;
     dropped_ = full_ = false;
 }

@@ -24,9 +24,10 @@ struct release_step {
     const char *package;
     const char *command;
     const char *key = nullptr;
+    const apconf_command *described = nullptr;  // the command, once it has been looked up
 };
 
-constexpr release_step bss_steps[] = {
+constinit release_step bss_steps[] = {
     {"bss", "ssid_cmd"},
     {"access_list", "domain_acl_cmd"},
     {"bss", "macauth_server_cmd"},
@@ -58,17 +59,17 @@ constexpr release_step bss_steps[] = {
     {"dhcp_option82", "circuit_id_cmd"},
     {"dhcp_option82", "remote_id_cmd"},
 };
-constexpr release_step ethernet_steps[] = {
+constinit release_step ethernet_steps[] = {
     {"ethernet", "pppoe_user_cmd", "passwd"},
     {"ethernet", "pppoe_user_cmd", "username"},
     {"ethernet", "switchport_cmd"},
 };
-constexpr release_step vlan_steps[] = {{"vlan", "dhcp_cmd"}};
-constexpr release_step pool_steps[] = {{"dhcp_server", "pool"}, {"pool", "domain_cmd"}};
-constexpr release_step dns_steps[] = {{"dns", "fake_response_cmd"}};
-constexpr release_step location_steps[] = {{"location", "server_cmd"}};
-constexpr release_step ftp_steps[] = {{"ftp", "server_cmd"}, {"ftp", "service_cmd"}, {"ftp", "local_path_cmd"}};
-constexpr release_step global_steps[] = {
+constinit release_step vlan_steps[] = {{"vlan", "dhcp_cmd"}};
+constinit release_step pool_steps[] = {{"dhcp_server", "pool"}, {"pool", "domain_cmd"}};
+constinit release_step dns_steps[] = {{"dns", "fake_response_cmd"}};
+constinit release_step location_steps[] = {{"location", "server_cmd"}};
+constinit release_step ftp_steps[] = {{"ftp", "server_cmd"}, {"ftp", "service_cmd"}, {"ftp", "local_path_cmd"}};
+constinit release_step global_steps[] = {
     {"capwap", "controller_name_cmd"}, {"config", "uplink_check_cmd"}, {"config", "hostname_cmd"},
     {"config", "password_cmd"},        {"config", "ism_cmd"},          {"config", "iwg_server_cmd"},
     {"config", "dump_server_cmd"},     {"redis", "server_cmd"},        {"config", "speed_test_cmd"},
@@ -86,6 +87,13 @@ const apconf_command *find_command(const release_step &step)
     return nullptr;
 }
 
+// Every commit takes every step, so each command is looked up once.
+const apconf_command &command_of(release_step &step)
+{
+    if (!step.described) step.described = find_command(step);
+    return *step.described;
+}
+
 void log_free(const char *function, const char *what, apconf_scope scope, const char *member)
 {
     LOG_AS(function, LOG_DEBUG, "free %s%s%s", what, apconf_scope_prefix(scope), member);
@@ -97,7 +105,6 @@ void release_member(const char *function, const apconf_command &command, const a
                     const char *reference)
 {
     if (field.kind == APCONF_FIELD_VALUE || field.kind == APCONF_FIELD_VALUES) return;
-    if (field.flags & APCONF_FIELD_UNRELEASED) return;
     void *const pointer = load<void *>(ours);
     void *const kept = reference ? load<void *>(reference) : nullptr;
     if (!pointer || pointer == kept) return;
@@ -117,10 +124,10 @@ void release_member(const char *function, const apconf_command &command, const a
 
 // Runs the steps over one record of root; a null `reference` counts as unset.
 template <size_t count>
-void release_record(const char *function, const release_step (&steps)[count], char *ours, const char *reference)
+void release_record(const char *function, release_step (&steps)[count], char *ours, const char *reference)
 {
-    for (const release_step &step : steps) {
-        const apconf_command &command = *find_command(step);
+    for (release_step &step : steps) {
+        const apconf_command &command = command_of(step);
         for (uint32_t i = 0; i < element_count(command); i++) {
             const size_t shift = size_t{i} * command.array.step;
             for (const apconf_field &field : fields_of(command)) {
@@ -135,6 +142,11 @@ void release_record(const char *function, const release_step (&steps)[count], ch
 char *bytes_of(void *record)
 {
     return static_cast<char *>(record);
+}
+
+void release_bss(bss_config &ours, bss_config &reference)
+{
+    release_record("free_vap_cmd_tree_data", bss_steps, bytes_of(&ours), bytes_of(&reference));
 }
 
 // Empties a list of the reference block.
@@ -158,7 +170,7 @@ void release_list(const char *function, const char *path, List &ours, const List
 }
 
 template <typename List, size_t count>
-void release_list_members(const char *function, const release_step (&steps)[count], List &ours, List &reference)
+void release_list_members(const char *function, release_step (&steps)[count], List &ours, List &reference)
 {
     for (int32_t i = 0; ours.list && i < ours.count; i++)
         release_record(function, steps, bytes_of(&ours.list[i]),
@@ -188,6 +200,32 @@ void release_global_members()
     for (int i = 0; i < FTP_COUNT; i++)
         release_record(function, ftp_steps, bytes_of(&ours.ftp[i]), bytes_of(&reference.ftp[i]));
     release_record(function, global_steps, bytes_of(&ours), bytes_of(&reference));
+}
+
+// Releases what a batch set in the BSSes and copies the reference over them. They are nearly all of the block, and most
+// batches leave most of them as they are: a single look at a BSS settles it.
+void reset_bsses()
+{
+    for (int radio = 0; radio < RADIO_COUNT; radio++) {
+        for (int wlan = 0; wlan < BSS_COUNT; wlan++) {
+            bss_config &ours = root.config.radio[radio].bss[wlan];
+            bss_config &reference = mirror_root.config.radio[radio].bss[wlan];
+            if (memcmp(&ours, &reference, sizeof ours) == 0) continue;
+            release_bss(ours, reference);
+            memcpy(&ours, &reference, sizeof ours);
+        }
+    }
+}
+
+// Copies the reference over the rest of root.
+void reset_others()
+{
+    constexpr size_t radios = sizeof root.config.radio;
+    static_assert(offsetof(config_data, radio) == 0 &&
+                  offsetof(radio_config, bss) + sizeof radio_config::bss == sizeof(radio_config));
+    for (int radio = 0; radio < RADIO_COUNT; radio++)
+        memcpy(&root.config.radio[radio], &mirror_root.config.radio[radio], offsetof(radio_config, bss));
+    memcpy(bytes_of(&root) + radios, bytes_of(&mirror_root) + radios, sizeof root - radios);
 }
 
 struct queued_message {
@@ -236,19 +274,15 @@ void init_cmd_tree_data(void)
 void free_vap_cmd_tree_data(uint32_t radio, uint32_t wlan)
 {
     if (radio >= RADIO_COUNT || wlan >= BSS_COUNT) return;
-    bss_config &ours = root.config.radio[radio].bss[wlan];
-    bss_config &reference = mirror_root.config.radio[radio].bss[wlan];
-    if (memcmp(&ours, &reference, sizeof ours) == 0) return;
-    release_record(__func__, bss_steps, bytes_of(&ours), bytes_of(&reference));
+    release_bss(root.config.radio[radio].bss[wlan], mirror_root.config.radio[radio].bss[wlan]);
 }
 
 int apply_cmd_tree_data(void)
 {
     committed_index = queue_changes();
-    for (uint32_t radio = 0; radio < RADIO_COUNT; radio++)
-        for (uint32_t wlan = 0; wlan < BSS_COUNT; wlan++) free_vap_cmd_tree_data(radio, wlan);
+    reset_bsses();
     release_global_members();
-    memcpy(&root, &mirror_root, sizeof root);
+    reset_others();
     const int result = send_io_notify(IO_MSG_APPLIED, nullptr, 0);
     // Kept: success is silent.
     if (result != 0) LOG(LOG_INFO, "send config message over, result code = %d", result);

@@ -1,8 +1,9 @@
 // The records that the fields of a package lie in: where each is in a block, and how it is made unset.
 #include "store/scope.h"
 
-#include <climits>
+#include <array>
 #include <cstring>
+#include <utility>
 
 config_block root;
 config_block mirror_root;
@@ -12,35 +13,12 @@ namespace apconf
 namespace
 {
 
-struct scope_row {
-    const char *prefix;
-    uint32_t size;
-    apconf_scope enclosing;
-    uint32_t count;   // records of a fixed array; 0: a variable list
-    uint32_t offset;  // of the array or of the {list, count} pair in the enclosing record
-    uint32_t lookup_ctx::*slot;
-};
-
-// clang-format off
-constexpr scope_row scope_rows[APCONF_SCOPE_COUNT] = {
-    {"root.config.",                          sizeof(config_data),     APCONF_SCOPE_GLOBAL, 1,
-     0,                                       nullptr},
-    {"root.config.radio[rid].",               sizeof(radio_config),    APCONF_SCOPE_GLOBAL, RADIO_COUNT,
-     offsetof(config_data, radio),            &lookup_ctx::radio},
-    {"root.config.radio[rid].bss[wid].",      sizeof(bss_config),      APCONF_SCOPE_RADIO,  BSS_COUNT,
-     offsetof(radio_config, bss),             &lookup_ctx::wlan},
-    {"root.config.ethernet[eid].",            sizeof(ethernet_config), APCONF_SCOPE_GLOBAL, ETHERNET_COUNT,
-     offsetof(config_data, ethernet),         &lookup_ctx::ethernet},
-    {"root.config.ftp[i].",                   sizeof(ftp_config),      APCONF_SCOPE_GLOBAL, FTP_COUNT,
-     offsetof(config_data, ftp),              &lookup_ctx::ftp},
-    {"root.config.vlan[vid].",                sizeof(vlan_config),     APCONF_SCOPE_GLOBAL, 0,
-     offsetof(config_data, vlan),             &lookup_ctx::vlan},
-    {"root.config.dhcp_server.pool[pid].",    sizeof(pool_config),     APCONF_SCOPE_GLOBAL, 0,
-     offsetof(config_data, dhcp_server.pool), &lookup_ctx::pool},
-    {"root.config.ip_acl[i].",                sizeof(ip_acl_config),   APCONF_SCOPE_GLOBAL, 0,
-     offsetof(config_data, ip_acl),           &lookup_ctx::ip_acl},
-};
-// clang-format on
+template <int... scope>
+consteval auto describe_scopes(std::integer_sequence<int, scope...>)
+{
+    return std::array<scope_row, sizeof...(scope)>{scope_description<scope>::row...};
+}
+constexpr auto scope_rows = describe_scopes(std::make_integer_sequence<int, APCONF_SCOPE_COUNT>{});
 
 // The {list, count} pairs are of different pointer types; all lie alike.
 static_assert(sizeof(config_data::vlan) == sizeof(list_view::pair) &&

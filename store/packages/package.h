@@ -18,6 +18,7 @@
 
 #include "apconf/description.h"
 #include "store/change_handlers.h"
+#include "store/scope.h"
 
 namespace apconf
 {
@@ -33,41 +34,6 @@ APCONF_ENUM_PTYPES(ENUM_VALUE)
 #undef SCALAR_VALUE
 #undef ENUM_VALUE
 // clang-format on
-
-template <int scope>
-struct scope_record;
-template <>
-struct scope_record<APCONF_SCOPE_GLOBAL> {
-    using type = config_data;
-};
-template <>
-struct scope_record<APCONF_SCOPE_RADIO> {
-    using type = radio_config;
-};
-template <>
-struct scope_record<APCONF_SCOPE_BSS> {
-    using type = bss_config;
-};
-template <>
-struct scope_record<APCONF_SCOPE_ETHERNET> {
-    using type = ethernet_config;
-};
-template <>
-struct scope_record<APCONF_SCOPE_FTP> {
-    using type = ftp_config;
-};
-template <>
-struct scope_record<APCONF_SCOPE_VLAN> {
-    using type = vlan_config;
-};
-template <>
-struct scope_record<APCONF_SCOPE_POOL> {
-    using type = pool_config;
-};
-template <>
-struct scope_record<APCONF_SCOPE_IP_ACL> {
-    using type = ip_acl_config;
-};
 
 // One row of a command, checked when it is compiled: the member has the type of the ptype's value.
 template <int ptype, typename Member>
@@ -239,7 +205,7 @@ constexpr auto build_commands(std::integer_sequence<int, number...>)
     namespace apconf {                                                                  \
     namespace {                                                                         \
     constexpr int package_scope = APCONF_SCOPE_##scope;                                 \
-    using record = scope_record<package_scope>::type;                                   \
+    using record = scope_description<package_scope>::record;                                \
     template <int number> struct entry;                                                 \
     const apconf_command &described(int number);                                        \
     constexpr int first_entry = __COUNTER__ + 1;

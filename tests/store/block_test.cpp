@@ -21,6 +21,14 @@ bool all_zero(const void *memory, size_t size)
     return std::all_of(bytes, bytes + size, [](char byte) { return byte == 0; });
 }
 
+// Seen before main, so before any test could initialise them.
+const bool zero_at_load = all_zero(&root, sizeof root) && all_zero(&mirror_root, sizeof mirror_root);
+
+TEST_F(block_test, both_blocks_are_zero_before_they_are_initialised)
+{
+    EXPECT_TRUE(zero_at_load);
+}
+
 TEST_F(block_test, a_fresh_block_equals_the_reference_byte_for_byte)
 {
     EXPECT_EQ(memcmp(&root, &mirror_root, sizeof root), 0);

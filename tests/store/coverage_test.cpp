@@ -313,19 +313,24 @@ std::vector<typename Set::value_type> missing_from(const Set &smaller, const Set
     return more;
 }
 
-// The place in a message of what a package's table holds, for the instances that these tests use.
-std::string path_of(const apconf_package &package)
+// The place in a message of what a package's table holds, for the instances that `at` chooses.
+std::string path_of(const apconf_package &package, const lookup_ctx &at)
 {
     if (strcmp(package.name, "root") == 0) return "";
     for (const apconf_package *parent : apconf_packages) {
         for (const cmd_node *node = parent->table; node->name; node++) {
             if (node->children != package.table) continue;
-            static const std::map<std::string, std::string> instances = {
-                {"radio", "{radio_id=1}"},  {"bss", "{wlan_id=7}"},   {"ethernet", "{eth_id=3}"},
-                {"ftp", "{ftp_id=9}"},      {"vlan", "{vlan_id=12}"}, {"pool", "{pool_name=pool 1}"},
-                {"ip_acl", "{identify=32}"}};
+            const std::map<std::string, std::string> instances = {
+                {"radio", "radio_id=" + std::to_string(at.radio)},
+                {"bss", "wlan_id=" + std::to_string(at.wlan)},
+                {"ethernet", "eth_id=" + std::to_string(at.ethernet)},
+                {"ftp", "ftp_id=" + std::to_string(at.ftp)},
+                {"vlan", "vlan_id=" + std::to_string(11 + at.vlan)},
+                {"pool", "pool_name=pool " + std::to_string(at.pool)},
+                {"ip_acl", "identify=" + std::to_string(31 + at.ip_acl)}};
             const auto instance = instances.find(node->name);
-            return path_of(*parent) + node->name + (instance == instances.end() ? "" : instance->second) + '/';
+            const std::string index = instance == instances.end() ? "" : '{' + instance->second + '}';
+            return path_of(*parent, at) + node->name + index + '/';
         }
     }
     abort();
@@ -338,14 +343,15 @@ protected:
     void start()
     {
         reset_blocks();
-        lookup = {1, 7, 3, 1, 1, 1, 9};
-        root.config.radio[1].bss[7].state = 5;
-        root.config.ethernet[3].shutdown_cmd.state = 5;
-        memset(root.config.ftp[9].timer_cmd.reserved, 0, sizeof root.config.ftp[9].timer_cmd.reserved);
-        make_vlans(2);
-        make_pools(2);
-        make_ip_acls(2);
-        for (uint32_t i = 0; i < 2; i++) {
+        lookup = at;
+        root.config.radio[at.radio].bss[at.wlan].state = 5;
+        root.config.ethernet[at.ethernet].shutdown_cmd.state = 5;
+        auto &ftp = root.config.ftp[at.ftp];
+        memset(ftp.timer_cmd.reserved, 0, sizeof ftp.timer_cmd.reserved);
+        make_vlans(3);
+        make_pools(3);
+        make_ip_acls(3);
+        for (uint32_t i = 0; i < 3; i++) {
             root.config.vlan.list[i].vlan_id = 11 + i;
             root.config.dhcp_server.pool.list[i].pool_name = text("pool " + std::to_string(i));
             root.config.ip_acl.list[i].identify = 31 + i;
@@ -356,7 +362,24 @@ protected:
     {
         return static_cast<char *>(apconf_scope_record(static_cast<apconf_scope>(command.scope), &root, &lookup));
     }
+
+    lookup_ctx at = {1, 7, 3, 1, 1, 1, 9};
 };
+
+// The same of the first instances, of some in the middle and of the last.
+class every_instance : public changes_test, public testing::WithParamInterface<lookup_ctx>
+{
+protected:
+    void SetUp() override
+    {
+        changes_test::SetUp();
+        at = GetParam();
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(, every_instance,
+                         testing::Values(lookup_ctx{0, 0, 0, 0, 0, 0, 0}, lookup_ctx{1, 7, 3, 1, 1, 1, 9},
+                                         lookup_ctx{1, 15, 4, 2, 2, 2, 15}));
 
 // What must hold for a field to be reported at all.
 void put_in_force(const apconf_command &command, char *record, const apconf_field &field, uint32_t element)
@@ -417,7 +440,7 @@ std::set<uint32_t> tried_elements(const apconf_command &command)
     return tried;
 }
 
-TEST_F(changes_test, every_field_is_reported_by_its_command_under_its_key_alone)
+TEST_P(every_instance, every_field_is_reported_by_its_command_under_its_key_alone)
 {
     for (const apconf_package *package : apconf_packages) {
         for (uint32_t c = 0; c < package->command_count; c++) {
@@ -434,7 +457,7 @@ TEST_F(changes_test, every_field_is_reported_by_its_command_under_its_key_alone)
                     set_sample(field, record_of(command) + field.offset + size_t{element} * command.array.step);
                     const observation after = observe(command.name);
 
-                    const std::string place = path_of(*package) + command.name;
+                    const std::string place = path_of(*package, at) + command.name;
                     const auto added = missing_from(before.message, after.message);
                     const auto removed = missing_from(after.message, before.message);
                     if (!field.key) {  // relay_name
@@ -456,6 +479,31 @@ TEST_F(changes_test, every_field_is_reported_by_its_command_under_its_key_alone)
                         EXPECT_THAT(removed, testing::IsEmpty());
                     const auto put = missing_from(before.puts, after.puts);
                     EXPECT_EQ(std::multiset<std::string>(put.begin(), put.end()), expected_puts(command, field));
+                }
+            }
+        }
+    }
+}
+
+// A value differs when any one of its bytes does.
+TEST_F(changes_test, every_byte_of_every_value_counts)
+{
+    for (const apconf_package *package : apconf_packages) {
+        for (uint32_t c = 0; c < package->command_count; c++) {
+            const apconf_command &command = package->commands[c];
+            if (is_package(command)) continue;
+            for (uint32_t f = 0; f < command.field_count; f++) {
+                const apconf_field &field = command.fields[f];
+                if (field.kind != APCONF_FIELD_VALUE) continue;
+                start();
+                put_in_force(command, record_of(command), field, 0);
+                const answer before = report(package->name, command.name, &lookup);
+                char *const value = record_of(command) + field.offset;
+                for (uint32_t i = 0; i < apconf_field_size(&field); i++) {
+                    SCOPED_TRACE(testing::Message() << package->name << ' ' << field.member << " byte " << i);
+                    value[i] = static_cast<char>(~value[i]);
+                    EXPECT_FALSE(report(package->name, command.name, &lookup) == before);
+                    value[i] = static_cast<char>(~value[i]);
                 }
             }
         }
@@ -489,7 +537,7 @@ TEST_F(changes_test, a_field_whose_alternative_is_in_force_is_not_reported)
     EXPECT_EQ(tried, 10);  // ip and domain of five commands
 }
 
-TEST_F(changes_test, an_option_word_is_reported_by_its_command_alone)
+TEST_P(every_instance, an_option_word_is_reported_by_its_command_alone)
 {
     for (const apconf_package *package : apconf_packages) {
         for (uint32_t c = 0; c < package->command_count; c++) {
@@ -501,7 +549,7 @@ TEST_F(changes_test, an_option_word_is_reported_by_its_command_alone)
             const bool by_negation = command.variant == APCONF_RESET_ON_DIFFERENCE;
             set_word(record_of(command) + command.option, by_negation ? CONFIG_NEGATED : LIST_REPLACED);
             const auto added = missing_from(before.message, observe(command.name).message);
-            const std::string place = path_of(*package) + command.name;
+            const std::string place = path_of(*package, at) + command.name;
             if (command.variant == APCONF_FLAG) {
                 EXPECT_THAT(added, testing::ElementsAre(leaves::value_type{place, "{}"}));
             } else if (command.variant == APCONF_COUNTED_ARRAY) {

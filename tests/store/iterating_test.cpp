@@ -34,7 +34,7 @@ struct numbered {
     uint32_t count;
     const char *entered;  // empty: silent
 };
-const numbered numbered_packages[] = {
+const numbered numbered_packages[4] = {
     {"config", "radio", "radio_id", &lookup_ctx::radio, 2, "enter radio, radio_id: "},
     {"radio", "bss", "wlan_id", &lookup_ctx::wlan, 16, ""},
     {"config", "ethernet", "eth_id", &lookup_ctx::ethernet, 5, "enter ethernet, eth_id: "},
@@ -181,6 +181,38 @@ TEST_F(iterating_test, records_that_differ_in_any_byte_are_listed)
     EXPECT_EQ(report("config", "ethernet"), reported(R"([{"eth_id":"0"},{"eth_id":"4"}])"));
     config.ftp[15].all_service_cmd.bits = 1;
     EXPECT_EQ(report("config", "ftp"), reported(R"({"ftp_id":"15"})"));
+}
+
+// Changes the first and the last byte of a record in turn; just its own index is listed then.
+template <typename Record>
+void expect_listed(const numbered &package, Record &record, uint32_t index, lookup_ctx &lookup)
+{
+    auto *const bytes = reinterpret_cast<char *>(&record);
+    for (char *byte : {bytes, bytes + sizeof record - 1}) {
+        SCOPED_TRACE(testing::Message() << package.command << ' ' << index << " byte " << byte - bytes);
+        *byte = static_cast<char>(~*byte);
+        EXPECT_EQ(apconf_test::report(package.package, package.command, &lookup),
+                  reported(argument(package.key, std::to_string(index))));
+        *byte = static_cast<char>(~*byte);
+    }
+}
+
+TEST_F(iterating_test, every_record_is_compared_from_its_first_byte_to_its_last)
+{
+    const auto &[radio, bss, ethernet, ftp] = numbered_packages;
+    for (uint32_t i = 0; i < 5; i++) expect_listed(ethernet, config.ethernet[i], i, lookup);
+    for (uint32_t i = 0; i < 16; i++) expect_listed(ftp, config.ftp[i], i, lookup);
+    for (lookup.radio = 0; lookup.radio < 2; lookup.radio++) {
+        auto &current = config.radio[lookup.radio];
+        expect_listed(radio, current, lookup.radio, lookup);
+        for (uint32_t i = 0; i < 16; i++) {
+            // The state word says more than that the record differs; its first byte is not enough for that.
+            expect_listed(bss, current.bss[i], i, lookup);
+            current.bss[i].ppsk.ppsk_cmd.change = 1;
+            EXPECT_EQ(report("config", "radio"), reported(argument("radio_id", std::to_string(lookup.radio))));
+            current.bss[i].ppsk.ppsk_cmd.change = 255;
+        }
+    }
 }
 
 TEST_F(iterating_test, bsses_are_those_of_the_current_radio)
@@ -389,13 +421,47 @@ TEST_F(iterating_test, tables_are_entered_once_an_instance)
         config.vlan.list[i].vlan_id = 10 + i;
         config.vlan.list[i].ip_address_cmd.ip_type = i;
     }
-    make_ip_acls(1);
+    make_pools(2);
+    for (uint32_t i = 0; i < 2; i++) {
+        config.dhcp_server.pool.list[i].pool_name = text("pool " + std::to_string(i));
+        config.dhcp_server.pool.list[i].lease_cmd.day = i;
+    }
+    make_ip_acls(2);
     config.ip_acl.list[0].identify = 100;
-    config.ip_acl.list[0].ace_count = 0;
+    config.ip_acl.list[1].identify = 101;
+    config.ftp[0].max_log_cmd.size = 1;
+    config.ftp[15].max_log_cmd.size = 15;
     EXPECT_EQ(walk_tree_text(), R"({"config":{"radio":[{"INDEX":{"radio_id":"0"},"channel_cmd":{"channel":"1"}},)"
                                 R"({"INDEX":{"radio_id":"1"},"channel_cmd":{"channel":"36"}}],)"
+                                R"("dhcp_server":{"pool":[{"INDEX":{"pool_name":"pool 0"},"lease_cmd":{"day":"0"}},)"
+                                R"({"INDEX":{"pool_name":"pool 1"},"lease_cmd":{"day":"1"}}]},)"
                                 R"("vlan":[{"INDEX":{"vlan_id":"10"},"ip_address_cmd":{"ip_type":"dhcp"}},)"
-                                R"({"INDEX":{"vlan_id":"11"},"ip_address_cmd":{"ip_type":"ip_addr"}}]}})");
+                                R"({"INDEX":{"vlan_id":"11"},"ip_address_cmd":{"ip_type":"ip_addr"}}],)"
+                                R"("ip_acl":[{"INDEX":{"identify":"100"}},{"INDEX":{"identify":"101"}}],)"
+                                R"("ftp":[{"INDEX":{"ftp_id":"0"},"max_log_cmd":{"size":"1"}},)"
+                                R"({"INDEX":{"ftp_id":"15"},"max_log_cmd":{"size":"15"}}]}})");
+}
+
+TEST_F(iterating_test, the_table_of_bsses_is_entered_once_a_bss)
+{
+    config.radio[0].bss[0].max_station_cmd.max_sta = 1;
+    config.radio[0].bss[15].max_station_cmd.max_sta = 2;
+    config.radio[1].bss[7].max_station_cmd.max_sta = 3;
+    json_object *const message = walk_tree();
+    json_object *const radios = json_object_object_get(json_object_object_get(message, "config"), "radio");
+    std::vector<std::string> entered;
+    for (size_t r = 0; r < json_object_array_length(radios); r++) {
+        json_object *const radio = json_object_array_get_idx(radios, r);
+        int cursor = 0;
+        while (json_object *const bss = get_json_obj(json_object_object_get(radio, "bss"), &cursor))
+            entered.push_back(json_text(json_object_object_get(radio, "INDEX")) +
+                              json_text(json_object_object_get(bss, "INDEX")) +
+                              json_text(json_object_object_get(bss, "max_station_cmd")));
+    }
+    EXPECT_THAT(entered, testing::ElementsAre(R"({"radio_id":"0"}{"wlan_id":"0"}{"max_sta":"1"})",
+                                              R"({"radio_id":"0"}{"wlan_id":"15"}{"max_sta":"2"})",
+                                              R"({"radio_id":"1"}{"wlan_id":"7"}{"max_sta":"3"})"));
+    json_object_put(message);
 }
 
 // Every field of every element counts as changed against the rebuilt reference, commit after commit.

@@ -1,6 +1,7 @@
 // A batch's life: the commit queues what differs, releases what the batch held and tells the server.
 #include <json-c/json.h>
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -307,6 +308,46 @@ TEST_F(lifecycle_test, texts_that_are_their_setters_are_not_released)
     expect_equal_blocks();
 }
 
+bool is_text(const apconf_field &field)
+{
+    return field.kind == APCONF_FIELD_TEXT || field.kind == APCONF_FIELD_TYPED;
+}
+
+// What a commit does with a text in the first element of a command, in the first instance. Flagged texts are freed.
+std::vector<std::string> lines_of_release(const apconf_command &command, const apconf_field &field)
+{
+    reset_blocks();
+    make_vlans(1);
+    make_pools(1);
+    lookup_ctx first = {};
+    auto *const record =
+        static_cast<char *>(apconf_scope_record(static_cast<apconf_scope>(command.scope), &root, &first));
+    char *const set = text("set");
+    memcpy(record + field.offset, &set, sizeof set);
+    log_capture log;
+    apply_cmd_tree_data();
+    if (field.flags & APCONF_FIELD_UNRELEASED) free(set);
+    return release_lines(log);
+}
+
+TEST_F(lifecycle_test, every_described_text_is_released_or_flagged_as_its_setters)
+{
+    for (const apconf_package *package : apconf_packages) {
+        for (uint32_t c = 0; c < package->command_count; c++) {
+            const apconf_command &command = package->commands[c];
+            for (uint32_t f = 0; f < command.field_count; f++) {
+                const apconf_field &field = command.fields[f];
+                if (!is_text(field)) continue;
+                const std::string line =
+                    std::string("free ") + apconf_scope_prefix(static_cast<apconf_scope>(command.scope)) + field.member;
+                const auto lines = lines_of_release(command, field);
+                EXPECT_EQ(std::count(lines.begin(), lines.end(), line), field.flags & APCONF_FIELD_UNRELEASED ? 0 : 1)
+                    << line;
+            }
+        }
+    }
+}
+
 TEST_F(lifecycle_test, one_bss_is_released_without_the_others)
 {
     root.config.radio[0].bss[1].ssid_cmd.ssid = text("one");
@@ -368,6 +409,29 @@ TEST_F(lifecycle_test, a_list_that_both_blocks_share_is_released_once)
     EXPECT_EQ(mirror_root.config.vlan.list, nullptr);
     EXPECT_EQ(mirror_root.config.dhcp_server.pool.list, nullptr);
     EXPECT_EQ(mirror_root.config.ethernet[2].switchport_cmd.vlanid.list, nullptr);
+    expect_equal_blocks();
+}
+
+// What a consumer has put there goes with the commit too.
+TEST_F(lifecycle_test, the_lists_of_the_reference_are_released)
+{
+    const json_objects_fail no_walk;  // it would replace them
+    auto &ids = mirror_root.config.ethernet[1].switchport_cmd.vlanid;
+    ids.list = static_cast<uint32_t *>(calloc(2, sizeof(uint32_t)));
+    ids.count = 2;
+    auto &vlans = mirror_root.config.vlan;
+    vlans.list = static_cast<vlan_config *>(calloc(1, sizeof(vlan_config)));
+    vlans.count = 1;
+    auto &pools = mirror_root.config.dhcp_server.pool;
+    pools.list = static_cast<pool_config *>(calloc(1, sizeof(pool_config)));
+    pools.count = 1;
+    apply_cmd_tree_data();
+    EXPECT_EQ(ids.list, nullptr);
+    EXPECT_EQ(ids.count, 0);
+    EXPECT_EQ(vlans.list, nullptr);
+    EXPECT_EQ(vlans.count, 0);
+    EXPECT_EQ(pools.list, nullptr);
+    EXPECT_EQ(pools.count, 0);
     expect_equal_blocks();
 }
 
