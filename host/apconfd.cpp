@@ -27,6 +27,7 @@
 #include "host/server/running_state.h"
 #include "host/server/server_socket.h"
 #include "host/server/service.h"
+#include "host/server/watchers.h"
 
 namespace apconf_host
 {
@@ -116,9 +117,10 @@ void serve(const options &options, background &background)
     const event_owner interrupt = end_on(base.get(), SIGINT);
 
     running_state state(base.get());
-    queue_drain queue(base.get(), state, options.archive_limit);
+    watchers watchers;
+    queue_drain queue(base.get(), state, watchers, options.archive_limit);
     queue.start();
-    service requests(state, queue);
+    service requests(state, queue, watchers);
     const server_socket socket(rule.group);
     const listener clients_door(base.get(), socket.get(), rule, requests, clients);
 

@@ -294,4 +294,9 @@ bool is_node(const apconf_command &command)
     return command.variant >= APCONF_PACKAGE_NODE;
 }
 
+bool reports_removal(const apconf_command &command)
+{
+    return command.variant == APCONF_UNSET_MEANS_NO || command.variant == APCONF_ALWAYS_RESET;
+}
+
 }  // namespace apconf_host

@@ -62,4 +62,7 @@ void reset_record(apconf_scope scope, char *record);
 
 bool is_node(const apconf_command &command);
 
+// The command reports "no" or "noall" as long as it is unset.
+bool reports_removal(const apconf_command &command);
+
 }  // namespace apconf_host

@@ -41,6 +41,10 @@ struct call {
     // No change; but in a batch what it cannot say to the server must not look as if it had been said.
     int nothing_to_remove() const;
 
+    // Has the batch report the chosen BSS although nothing in it is set: with it come the removals of what reports them
+    // when it is unset. False: it does so already, or there is no batch.
+    bool report_bss() const;
+
     // The index keys that a single-command message carries for the packages on the path.
     std::vector<std::string> keys_of_path() const;
 };

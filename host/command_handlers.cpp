@@ -163,13 +163,21 @@ int set_flag(const call &call, char *record, uint32_t state)
     return call.changed();
 }
 
+// Of what is unset these commands report the removal, also when a batch has not set it before; but only with their BSS.
+int remove_reported(const call &call, char *record)
+{
+    bool changed = reset_command(call.command, record);
+    if (call.report_bss()) changed = true;
+    return changed ? call.changed() : call::no_change;
+}
+
 int clear_list(const call &call, char *record)
 {
+    if (reports_removal(call.command)) return remove_reported(call, record);
     const auto mark = cleared_mark(call.command);
     const bool marked = !mark || option_word(call.command, record) == *mark;
     const bool had = used_elements(call, record) > 0;
-    const bool reported = mark || call.command.variant == APCONF_ALWAYS_RESET;
-    if (!had && marked) return reported ? call::no_change : call.nothing_to_remove();
+    if (!had && marked) return mark ? call::no_change : call.nothing_to_remove();
     reset_command(call.command, record);
     if (mark) set_option(call.command, record, *mark);
     if (call.command.variant == APCONF_COUNTED_ARRAY) set_option(call.command, record, 0);
@@ -186,7 +194,10 @@ int remove_matching(const call &call, char *record, const std::vector<argument> 
             remove_element(command, record, i, used--);
     if (used == before) return call.nothing_to_remove();
     if (command.variant == APCONF_COUNTED_ARRAY) set_option(command, record, static_cast<uint32_t>(used));
+    // A batch replaces these lists whole: that it leaves nothing in one must be reported too.
     if (command.variant == APCONF_ONLY_WHEN_REPLACED) set_option(command, record, LIST_REPLACED);
+    if (command.variant == APCONF_RESET_ON_DIFFERENCE && used == 0) set_option(command, record, CONFIG_NEGATED);
+    if (command.variant == APCONF_ALWAYS_RESET) call.report_bss();
     return call.changed();
 }
 
@@ -203,8 +214,8 @@ int remove_group(const call &call, char *record, const std::vector<argument> &ar
         memcpy(at.stored + command.fields[0].offset, &mark, sizeof mark);
         return call.changed();
     }
-    // Of what is unset these report "no", in a batch as well.
-    if (!any) return command.variant == APCONF_UNSET_MEANS_NO ? call::no_change : call.nothing_to_remove();
+    if (reports_removal(command)) return remove_reported(call, record);
+    if (!any) return call.nothing_to_remove();
     unset_all(command, at);
     return call.changed();
 }

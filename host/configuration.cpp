@@ -1,4 +1,6 @@
 // Applying messages to the configuration in `root`, reading it back, committing and releasing it.
+#include <new>
+#include <string>
 #include <vector>
 
 #include "block.h"
@@ -31,6 +33,59 @@ public:
 private:
     json_object *kept_;
 };
+
+// The packages from "config" down to one whose instances are elements of a variable list.
+using list_path = std::vector<const cmd_node *>;
+
+// Calls visit(path) for every such package in which there is one element and nothing is set in it: reports leave it
+// out.
+template <typename Visit>
+void for_each_unreported_element(const cmd_node &package, list_path &path, const Visit &visit)
+{
+    path.push_back(&package);
+    const apconf_command &command = *apconf_find_command(&package);
+    if (command.variant == APCONF_LIST_NODE) {
+        if (list_count(static_cast<apconf_scope>(command.scope)) == 1 && is_bare(command, 0)) visit(path);
+    } else if (!is_iterating(command)) {
+        for (const cmd_node *child = package.children; child->name; ++child)
+            if (child->children) for_each_unreported_element(*child, path, visit);
+    }
+    path.pop_back();
+}
+
+json_object *member_or_new(json_object *object, const char *name)
+{
+    if (json_object *found = member(object, name)) return found;
+    json_object *made = json_object_new_object();
+    if (!made || json_object_object_add(object, name, made) != 0) throw std::bad_alloc();
+    return made;
+}
+
+// A configuration that is saved must have such an element too.
+void add_unreported_elements(json_object *configuration)
+{
+    list_path path;
+    for_each_unreported_element(lib_pkg_root[0], path, [configuration](const list_path &found) {
+        json_object *here = configuration;
+        for (const cmd_node *package : found) here = member_or_new(here, package->name);
+        const apconf_command &command = *apconf_find_command(found.back());
+        const std::string key = instance_name(static_cast<apconf_scope>(command.scope), {});
+        json_object_object_add(member_or_new(here, "INDEX"), index_key(command), json_object_new_string(key.c_str()));
+    });
+}
+
+// A batch that says nothing else of such an element could not say it to the server.
+void refuse_unreported_elements(outcome &outcome)
+{
+    list_path path;
+    for_each_unreported_element(lib_pkg_root[0], path, [&outcome](const list_path &found) {
+        const apconf_command &command = *apconf_find_command(found.back());
+        std::string text;
+        for (const cmd_node *package : found) text += (text.empty() ? "" : "/") + std::string(package->name);
+        outcome.refuse({text + "[" + instance_name(static_cast<apconf_scope>(command.scope), {}) + "]", "", "",
+                        "a command below it; a batch can carry no single " + std::string(command.name) + " without"});
+    });
+}
 
 json_object *report(const cmesage_info &info)
 {
@@ -91,6 +146,7 @@ bool apply_message(json_object *message, outcome &outcome)
     json_object *unused = nullptr;
     cmessage_parser(&info, &unused, reinterpret_cast<uintptr_t>(&request), &lookup);
     json_object_put(unused);
+    if (outcome.as == role::batch && outcome.refusals.empty()) refuse_unreported_elements(outcome);
     return true;
 }
 
@@ -101,7 +157,9 @@ json_object *running_configuration()
     cmesage_info info = {};
     info.is_get = 1;
     info.body = everything.get();
-    return report(info);
+    json_ptr configuration(report(info));
+    if (configuration) add_unreported_elements(configuration.get());
+    return configuration.release();
 }
 
 json_object *answer_get(json_object *message)

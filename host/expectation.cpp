@@ -5,6 +5,8 @@
 #include <cstring>
 #include <limits>
 
+#include "text.h"
+
 namespace apconf_host
 {
 
@@ -55,14 +57,26 @@ std::string length(const void *range, const char *unit)
     return " of " + std::to_string(limits.min) + " to " + std::to_string(limits.max) + " " + unit;
 }
 
-std::string joined(const std::vector<std::string> &words)
+// Letters added, dropped or changed from one word to the other.
+size_t distance(const std::string &one, const std::string &other)
 {
-    std::string text;
-    for (const auto &word : words) text += (text.empty() ? "" : ", ") + word;
-    return text;
+    std::vector<size_t> row(other.size() + 1);
+    for (size_t j = 0; j < row.size(); ++j) row[j] = j;
+    for (size_t i = 1; i <= one.size(); ++i) {
+        size_t diagonal = row[0];
+        row[0] = i;
+        for (size_t j = 1; j < row.size(); ++j) {
+            const size_t change = diagonal + (one[i - 1] == other[j - 1] ? 0 : 1);
+            diagonal = row[j];
+            row[j] = std::min({change, row[j] + 1, row[j - 1] + 1});
+        }
+    }
+    return row.back();
 }
 
-std::string accepted_single(uint32_t ptype, const void *range)
+}  // namespace
+
+std::string accepted_by(uint32_t ptype, const void *range)
 {
     switch (ptype) {
         case PTYPE_RAW_JSON:
@@ -100,25 +114,6 @@ std::string accepted_single(uint32_t ptype, const void *range)
     }
 }
 
-// Letters added, dropped or changed from one word to the other.
-size_t distance(const std::string &one, const std::string &other)
-{
-    std::vector<size_t> row(other.size() + 1);
-    for (size_t j = 0; j < row.size(); ++j) row[j] = j;
-    for (size_t i = 1; i <= one.size(); ++i) {
-        size_t diagonal = row[0];
-        row[0] = i;
-        for (size_t j = 1; j < row.size(); ++j) {
-            const size_t change = diagonal + (one[i - 1] == other[j - 1] ? 0 : 1);
-            diagonal = row[j];
-            row[j] = std::min({change, row[j] + 1, row[j - 1] + 1});
-        }
-    }
-    return row.back();
-}
-
-}  // namespace
-
 const void *range_of(const cmd_node &node, const apconf_field &field)
 {
     const cmd_param *param = parameter_of(node, field);
@@ -127,7 +122,7 @@ const void *range_of(const cmd_node &node, const apconf_field &field)
 
 std::string accepted_value(const cmd_node &node, const apconf_field &field)
 {
-    std::string single = accepted_single(field.ptype, range_of(node, field));
+    std::string single = accepted_by(field.ptype, range_of(node, field));
     switch (field.kind) {
         case APCONF_FIELD_VALUES:
             return "up to " + std::to_string(field.count) + " values, each " + single;

@@ -12,6 +12,9 @@ namespace apconf_host
 // The schema's range record for a field of this node, or null: the ptype's own limits.
 const void *range_of(const cmd_node &node, const apconf_field &field);
 
+// What a ptype accepts within a range record of its own, or null.
+std::string accepted_by(uint32_t ptype, const void *range);
+
 // "a UINT from 1 to 255", "one of enable, disable", "an IPv4 address A.B.C.D", "a text of 1 to 32 characters".
 std::string accepted_value(const cmd_node &node, const apconf_field &field);
 

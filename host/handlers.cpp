@@ -120,6 +120,17 @@ int call::nothing_to_remove() const
     return refuse("", "no", "the removal of something that this batch sets; a batch can carry no other removal here");
 }
 
+bool call::report_bss() const
+{
+    // A state that means nothing but makes the record differ.
+    constexpr uint32_t reported = 1;
+    if (!in_batch() || scope() != APCONF_SCOPE_BSS) return false;
+    auto *bss = reinterpret_cast<bss_config *>(record());
+    if (bss->state != reinterpret_cast<const bss_config *>(unset_record(APCONF_SCOPE_BSS))->state) return false;
+    bss->state = reported;
+    return true;
+}
+
 std::vector<std::string> call::keys_of_path() const
 {
     std::vector<std::string> keys;

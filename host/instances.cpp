@@ -164,6 +164,16 @@ int32_t append_record(apconf_scope scope, const std::string &key)
     return list.count;
 }
 
+bool is_bare(const apconf_command &package, int32_t position)
+{
+    const auto scope = static_cast<apconf_scope>(package.scope);
+    const apconf_field &key = package.fields[0];
+    const char *record = list_record(scope, position);
+    std::string bare(unset_record(scope), apconf_scope_size(scope));
+    bare.replace(key.offset, apconf_field_size(&key), record + key.offset, apconf_field_size(&key));
+    return memcmp(record, bare.data(), bare.size()) == 0;
+}
+
 void remove_record(apconf_scope scope, int32_t position)
 {
     list_place list = load_list(scope);

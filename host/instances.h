@@ -32,6 +32,9 @@ int32_t find_record(apconf_scope scope, const std::string &key);
 // Appends an unset element with this key and returns its position. Throws std::bad_alloc with the list as it was.
 int32_t append_record(apconf_scope scope, const std::string &key);
 
+// Nothing is set in the element. When it is the only one, it stands in no report.
+bool is_bare(const apconf_command &package, int32_t position);
+
 // Removes an element and what it holds.
 void remove_record(apconf_scope scope, int32_t position);
 void remove_all_records(apconf_scope scope);

@@ -103,6 +103,15 @@ bool remove_list(apconf_scope scope)
     return was_set;
 }
 
+bool reset_records(const apconf_command &command, lookup_ctx lookup)
+{
+    const auto scope = static_cast<apconf_scope>(command.scope);
+    uint32_t &slot = slot_of(scope, lookup);
+    bool changed = false;
+    for (slot = 0; slot < command.array.count; ++slot) changed = reset_instance(scope, lookup) || changed;
+    return changed;
+}
+
 bool reset_below(const cmd_node &package, const lookup_ctx &lookup)
 {
     bool changed = false;
@@ -112,12 +121,22 @@ bool reset_below(const cmd_node &package, const lookup_ctx &lookup)
         const auto scope = static_cast<apconf_scope>(command->scope);
         if (command->variant == APCONF_LIST_NODE)
             changed = remove_list(scope) || changed;
+        else if (command->variant == APCONF_RECORD_NODE)
+            changed = reset_records(*command, lookup) || changed;
         else if (is_node(*command))
             changed = reset_below(*child, lookup) || changed;
         else if (void *record = apconf_scope_record(scope, &root, &lookup))
             changed = reset_command(*command, static_cast<char *>(record)) || changed;
     }
     return changed;
+}
+
+// All that is below the package reports when it is unset.
+bool all_report_removal(const cmd_node &package)
+{
+    for (const cmd_node *child = package.children; child->name; ++child)
+        if (!reports_removal(*apconf_find_command(child))) return false;
+    return true;
 }
 
 bool remove_record_at(const call &call, uint32_t index)
@@ -152,6 +171,14 @@ int remove_instance(const call &call, json_object *args)
     return remove_record_at(call, number(*key)) ? call.changed() : call.nothing_to_remove();
 }
 
+// The message goes on with what takes the place of the removed package.
+bool is_replaced(const call &call)
+{
+    json_object *value = call.ctx.stack[call.ctx.depth].args;
+    const size_t count = json_object_is_type(value, json_type_array) ? json_object_array_length(value) : 0;
+    return count > 1 && !is_removal(json_object_array_get_idx(value, count - 1));
+}
+
 }  // namespace
 
 int enter_package(const call &call, json_object *args)
@@ -179,9 +206,13 @@ int remove_package(const call &call, json_object *args)
         return remove_all_instances(call) ? call.changed() : call.nothing_to_remove();
     }
     // The whole configuration at once is asked for by mistake more often than not.
-    if (call.command.variant == APCONF_UNCONDITIONAL_NODE && call.scope() == APCONF_SCOPE_GLOBAL)
+    if (call.command.variant == APCONF_UNCONDITIONAL_NODE && call.scope() == APCONF_SCOPE_GLOBAL &&
+        (call.in_batch() || !is_replaced(call)))
         return call.refuse("", "no", "the removal of a package or command below it");
-    return reset_below(call.node, call.lookup) ? call.changed() : call.nothing_to_remove();
+    bool changed = reset_below(call.node, call.lookup);
+    if (!all_report_removal(call.node)) return changed ? call.changed() : call.nothing_to_remove();
+    if (call.report_bss()) changed = true;
+    return changed ? call.changed() : call::no_change;
 }
 
 }  // namespace apconf_host

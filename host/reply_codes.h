@@ -17,6 +17,8 @@ enum class reply_code : uint8_t {
     not_permitted = 6,  // the peer's user may not configure; the connection is closed
     busy = 7,           // too many connections or too much unfinished data; the connection is closed
     failed = 8,         // the server could not do it: it is short of memory or disk space
+    unconfirmed = 9,    // another commit still waits to be confirmed
+    not_waiting = 10,   // there is no applied commit that waits to be confirmed
 };
 
 constexpr const char *describe(reply_code code)
@@ -40,6 +42,10 @@ constexpr const char *describe(reply_code code)
             return "server busy";
         case reply_code::failed:
             return "server failure";
+        case reply_code::unconfirmed:
+            return "an earlier commit waits to be confirmed";
+        case reply_code::not_waiting:
+            return "no commit waits to be confirmed";
     }
     return "unknown reply code";
 }

@@ -10,6 +10,7 @@
 #include <exception>
 #include <new>
 
+#include "host/message_types.h"
 #include "host/server/limits.h"
 #include "host/server/log.h"
 
@@ -26,6 +27,14 @@ io_msg reply_header(reply_code code, size_t data_size)
 {
     io_msg header = {};
     header.code = static_cast<uint8_t>(code);
+    header.data_len = static_cast<uint32_t>(data_size);
+    return header;
+}
+
+io_msg event_header(size_t data_size)
+{
+    io_msg header = {};
+    header.type = static_cast<uint8_t>(message_type::applied);
     header.data_len = static_cast<uint32_t>(data_size);
     return header;
 }
@@ -51,6 +60,7 @@ connection::connection(common &shared, fd_owner fd, const peer &peer, bool permi
         output_.get(), nullptr, [](bufferevent *, void *self) { static_cast<connection *>(self)->on_replies_taken(); },
         [](bufferevent *, short, void *self) { static_cast<connection *>(self)->on_lost(); }, this);
     bufferevent_enable(output_.get(), EV_WRITE);
+    client_.push = [this](const std::string &event) { guarded([&] { push(event); }); };
     resume_reading();
     if (!permitted_) message_timer_.start(limits::message_time);
 }
@@ -76,7 +86,7 @@ void connection::on_readable()
 {
     read_some();
     if (!peer_writes_ || room() == 0) event_del(readable_.get());
-    turn_timer_.start_next_turn();
+    turn_timer_.start_this_turn();
 }
 
 void connection::read_some()
@@ -135,7 +145,7 @@ void connection::turn()
             serve(header, data);
             if (!output_) return;
             resume_reading();
-            turn_timer_.start_next_turn();
+            if (received() > 0 || !peer_writes_) turn_timer_.start_next_turn();
     }
 }
 
@@ -200,19 +210,28 @@ void connection::wait_for_more()
 void connection::serve(const io_msg &header, const std::string &data)
 {
     const auto answer = shared_.requests.serve(client_, header.type, data);
-    if (answer && peer_reads_) send(*answer);
+    if (answer && peer_reads_) send(reply_header(answer->code, answer->data.size()), answer->data);
 }
 
-void connection::send(const reply &reply)
+// Others' changes come as fast as they are made: a client that falls behind is not waited for.
+void connection::push(const std::string &event)
 {
-    const io_msg header = reply_header(reply.code, reply.data.size());
-    const size_t sent = waiting_replies() == 0 ? send_now(header, reply.data) : 0;
-    if (sent == header_size + reply.data.size()) return;
+    if (!peer_reads_) return;
+    if (waiting_replies() > limits::watch_backlog)
+        drop("it does not read its events");
+    else
+        send(event_header(event.size()), event);
+}
+
+void connection::send(const io_msg &header, const std::string &data)
+{
+    const size_t sent = waiting_replies() == 0 ? send_now(header, data) : 0;
+    if (sent == header_size + data.size()) return;
     const size_t of_header = std::min(sent, header_size);
     const size_t of_data = sent - of_header;
     if (bufferevent_write(output_.get(), reinterpret_cast<const char *>(&header) + of_header, header_size - of_header) <
             0 ||
-        bufferevent_write(output_.get(), reply.data.data() + of_data, reply.data.size() - of_data) < 0)
+        bufferevent_write(output_.get(), data.data() + of_data, data.size() - of_data) < 0)
         throw std::bad_alloc();
     if (waiting_replies() > limits::pending_replies)
         drop("it does not read its replies");

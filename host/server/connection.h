@@ -56,7 +56,8 @@ private:
     void release();
     void wait_for_more();
     void serve(const io_msg &header, const std::string &data);
-    void send(const reply &reply);
+    void send(const io_msg &header, const std::string &data);
+    void push(const std::string &event);
     size_t send_now(io_msg header, const std::string &data);
     void send_last(reply_code code);
     void drop(const std::string &reason);

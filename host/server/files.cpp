@@ -88,4 +88,14 @@ bool replace_file(const std::string &path, const std::string &text)
     return true;
 }
 
+bool remove_file(const std::string &path)
+{
+    if (unlink(path.c_str()) != 0 && errno != ENOENT) {
+        SERVER_LOG(LOG_ERR, "cannot remove '%s': %s", path.c_str(), strerror(errno));
+        return false;
+    }
+    sync_directory_of(path);
+    return true;
+}
+
 }  // namespace apconf_host

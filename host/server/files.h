@@ -16,4 +16,7 @@ std::string numbered_file(const std::string &directory, int number, const std::s
 // old text or the new one, also after a crash. False, logged, leaves the old one.
 bool replace_file(const std::string &path, const std::string &text);
 
+// Removes `path`, which is gone from the disk then. True also when there is no such file; false is logged.
+bool remove_file(const std::string &path);
+
 }  // namespace apconf_host

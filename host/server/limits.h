@@ -47,6 +47,16 @@ inline constexpr size_t logged_values = 1024;
 // Refusals of one message that are logged one by one; a count follows. The file in "bad" has them all.
 inline constexpr size_t logged_refusals = 20;
 
+// The longest time that a commit may ask to be confirmed in.
+inline constexpr std::chrono::seconds confirm_time = 86400s;
+
+// How often a commit that waits to be confirmed looks at the clock, which may have stood still in a sleep.
+inline constexpr std::chrono::milliseconds confirm_check = 1s;
+
+// Subscribers, and how much one may leave unread before the next event makes it lose its connection.
+inline constexpr size_t watchers = 16;
+inline constexpr size_t watch_backlog = 1u << 20;
+
 // How long until what could not be written (disk full) is tried again.
 inline constexpr std::chrono::milliseconds write_retry = 1s;
 

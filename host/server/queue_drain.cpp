@@ -4,12 +4,13 @@
 #include <apconf/cmessage.h>
 #include <apconf/cmq.h>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <string>
 
+#include "host/bad_file.h"
+#include "host/server/appending.h"
 #include "host/server/files.h"
 #include "host/server/limits.h"
 #include "host/server/log.h"
@@ -33,13 +34,6 @@ std::string module_of(json_object *message)
     return one_line(json_object_get_string(module), 63);
 }
 
-// Keeps producers from appending while it lives and `held`. Without an index file there is nothing to hold, and nobody
-// can append either. Never waits: a producer may have stopped in the middle of an append.
-struct append_lock {
-    fd_owner fd{open(CMQ_MAX_INDEX, O_RDWR | O_CLOEXEC)};
-    bool held = !fd || flock(fd.get(), LOCK_EX | LOCK_NB) == 0;
-};
-
 // The running configuration as a message of its own, in the name of whom it came from.
 json_ptr archived_message(const std::string &module)
 {
@@ -60,10 +54,12 @@ bool save_bad_file(int index, const std::vector<refusal> &refusals)
 
 }  // namespace
 
-queue_drain::queue_drain(event_base *base, running_state &state, size_t archive_limit)
+queue_drain::queue_drain(event_base *base, running_state &state, watchers &watchers, size_t archive_limit)
     : state_(state),
+      watchers_(watchers),
       old_(CMQ_OLD_DIR, ".json", archive_limit),
       bad_(CMQ_BAD_DIR, ".txt", archive_limit),
+      unconfirmed_(base, state, [this](const unconfirmed_commit::undone &undone) { note_undone(undone); }),
       turn_timer_(base, [this] { turn_or_retry(); })
 {
 }
@@ -75,13 +71,21 @@ void queue_drain::start()
     cmq_init();
     queue_start_configuration();
     tidy();
+    unconfirmed_.restore();
     apply_unrecorded();
+    unconfirmed_.resume();
     request();
 }
 
 void queue_drain::request()
 {
     turn_timer_.start_next_turn();
+}
+
+unconfirmed_commit::queued queue_drain::commit(json_object *message, std::chrono::seconds time)
+{
+    request();
+    return unconfirmed_.commit(message, time);
 }
 
 // Fresh: set up by cmq_init.
@@ -99,7 +103,7 @@ bool queue_drain::repair_indexes()
 {
     if (indexes_are_sound()) return true;
     const append_lock lock;
-    if (!lock.held) return false;
+    if (!lock.held()) return false;
     const int current = cmq_get_current_index();
     const int next = std::max(current, state_.applied() + 1);
     if (next != current) {
@@ -149,7 +153,7 @@ void queue_drain::apply_unrecorded()
         }
         SERVER_LOG(LOG_INFO, "applying message %d anew", index);
         apply(index, message.get());
-        caught_up_ = unfinished_.index == 0;
+        caught_up_ = caught_up_ && unfinished_.index == 0;
         if (!caught_up_) return;
     }
     caught_up_ = true;
@@ -172,6 +176,10 @@ void queue_drain::turn()
         return;
     }
     if (!caught_up_) apply_unrecorded();
+    if (!caught_up_) {
+        turn_timer_.start(limits::write_retry);
+        return;
+    }
     if (!indexes_are_sound()) {
         if (!repair_indexes()) {
             turn_timer_.start(limits::write_retry);
@@ -179,11 +187,10 @@ void queue_drain::turn()
         }
         cmq_init();
     }
-    if (unfinished_.index == 0) {
-        if (!pending()) return;
-        fetch_one();
-    }
-    turn_timer_.start(unfinished_.index != 0 ? limits::write_retry : std::chrono::milliseconds::zero());
+    if (!pending()) return;
+    fetch_one();
+    const bool done = caught_up_ && unfinished_.index == 0;
+    turn_timer_.start(done ? std::chrono::milliseconds::zero() : limits::write_retry);
 }
 
 // Read twice, because a producer may be writing the number just now. It says so when it is done, so a number that is
@@ -218,8 +225,9 @@ void queue_drain::note_unreadable(int first, int end)
 void queue_drain::apply(int index, json_object *message)
 {
     unfinished_ = {};
-    unfinished_.module = module_of(message);
-    caught_up_ = false;  // should memory be too short to apply it, it stays to be applied
+    unfinished_.message = json_ptr(json_object_get(message));
+    caught_up_ = false;  // should memory or disk be too short to apply it, it stays to be applied
+    if (!unconfirmed_.prepare(index, message)) return;
     apply_message(message, unfinished_.result);
     caught_up_ = true;
     unfinished_.index = index;
@@ -232,21 +240,39 @@ bool queue_drain::finish()
 {
     const int index = unfinished_.index;
     const outcome &result = unfinished_.result;
+    const std::string module = module_of(unfinished_.message.get());
     if (!result.refusals.empty()) {
         if (!save_bad_file(index, result.refusals))
             SERVER_LOG(LOG_ERR, "cannot write the bad file of message %d", index);
         bad_.added(index);
     }
-    cmq_save_old_config(index, archived_message(unfinished_.module).get());
+    cmq_save_old_config(index, archived_message(module).get());
     old_.added(index);
     if (!state_.record(index)) return false;
 
     cmq_delete_new_msg(index, 0);
-    SERVER_LOG(LOG_INFO, "applied message %d from %s: %u changes, %zu refusals", index, unfinished_.module.c_str(),
-               result.changes, result.refusals.size());
+    SERVER_LOG(LOG_INFO, "applied message %d from %s: %u changes, %zu refusals", index, module.c_str(), result.changes,
+               result.refusals.size());
     log_refusals("message " + std::to_string(index), result.refusals);
+    watchers_.tell(index, unfinished_.message.get(), result);
     unfinished_ = {};
     return true;
+}
+
+// Beside the refusals of the messages, if they had any.
+void queue_drain::note_undone(const unconfirmed_commit::undone &undone)
+{
+    std::string why =
+        undone_mark + std::string("it was not confirmed within ") + std::to_string(undone.time.count()) + " s\n";
+    for (int index = undone.number; index < undone.undo; ++index) {
+        const fd_owner fd(open(numbered_file(CMQ_BAD_DIR, index, ".txt").c_str(),
+                               O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC, 0600));
+        if (!fd || write(fd.get(), why.data(), why.size()) != static_cast<ssize_t>(why.size()))
+            SERVER_LOG(LOG_ERR, "cannot write the bad file of message %d", index);
+        bad_.added(index);
+        why = undone_mark + std::string("together with message ") + std::to_string(undone.number) + "\n";
+    }
+    request();
 }
 
 }  // namespace apconf_host

@@ -12,6 +12,8 @@
 #include "host/server/archive.h"
 #include "host/server/running_state.h"
 #include "host/server/timer.h"
+#include "host/server/unconfirmed_commit.h"
+#include "host/server/watchers.h"
 
 namespace apconf_host
 {
@@ -20,7 +22,7 @@ class queue_drain
 {
 public:
     // The queue's directories must exist. `archive_limit`: files kept in "old" and in "bad".
-    queue_drain(event_base *base, running_state &state, size_t archive_limit);
+    queue_drain(event_base *base, running_state &state, watchers &watchers, size_t archive_limit);
 
     // At start: restores the running state, repairs what a crash left of the queue, applies what was fetched but not
     // recorded, and starts draining.
@@ -28,6 +30,10 @@ public:
 
     // Something was queued.
     void request();
+
+    // Queues a message that is undone unless it is confirmed within `time` after it is applied.
+    unconfirmed_commit::queued commit(json_object *message, std::chrono::seconds time);
+    unconfirmed_commit &unconfirmed() { return unconfirmed_; }
 
 private:
     bool indexes_are_sound() const;
@@ -42,19 +48,22 @@ private:
     void note_unreadable(int first, int end);
     void apply(int index, json_object *message);
     bool finish();
+    void note_undone(const unconfirmed_commit::undone &undone);
 
     // What is left to do for the message that was applied in memory and is not on disk yet.
     struct unfinished {
         int index = 0;  // 0: none
         outcome result;
-        std::string module;
+        json_ptr message;
     };
 
     running_state &state_;
+    watchers &watchers_;
     archive old_;
     archive bad_;
     unfinished unfinished_;
-    bool caught_up_ = false;  // nothing is left that was fetched before this start and not recorded
+    bool caught_up_ = false;  // nothing is left that was fetched and is to be applied anew
+    unconfirmed_commit unconfirmed_;
     timer turn_timer_;
 };
 

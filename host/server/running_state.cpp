@@ -7,6 +7,7 @@
 #include <new>
 
 #include "host/handlers.h"
+#include "host/json_build.h"
 #include "host/server/files.h"
 #include "host/server/limits.h"
 #include "host/server/log.h"
@@ -18,13 +19,6 @@ namespace
 {
 
 constexpr const char *state_path = CMQ_DIR "/running.json";
-
-json_ptr new_object()
-{
-    json_ptr object(json_object_new_object());
-    if (!object) throw std::bad_alloc();
-    return object;
-}
 
 // Takes the object under "config" out of a loaded file, as a reference of its own.
 json_ptr config_of(json_object *file)
@@ -121,9 +115,11 @@ void running_state::mark_changed()
     flush_timer_.start_next_turn();
 }
 
-void running_state::flush()
+bool running_state::flush()
 {
-    if (changed_ && !write()) flush_timer_.start(limits::write_retry);
+    if (!changed_ || write()) return true;
+    flush_timer_.start(limits::write_retry);
+    return false;
 }
 
 bool running_state::write()

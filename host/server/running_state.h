@@ -34,7 +34,9 @@ public:
     // Something else than a queued message changed the configuration. Many changes make one write: before the next
     // reply to anybody, and at the latest in the next turn of the loop.
     void mark_changed();
-    void flush();
+
+    // False: not on disk yet; it is tried again.
+    bool flush();
 
 private:
     struct saved {

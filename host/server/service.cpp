@@ -4,10 +4,13 @@
 #include <apconf/cmessage.h>
 #include <apconf/io_sock.h>
 
+#include <chrono>
 #include <memory>
 #include <string_view>
 
 #include "host/handlers.h"
+#include "host/json_build.h"
+#include "host/message_types.h"
 #include "host/server/limits.h"
 #include "host/server/log.h"
 #include "host/server/owners.h"
@@ -74,6 +77,26 @@ json_ptr parse(std::string_view text)
     return json_object_is_type(message.get(), json_type_object) ? std::move(message) : nullptr;
 }
 
+reply with_data(json_object *object)
+{
+    const std::string_view text = to_line(object);
+    return {reply_code::ok, std::string(text.data(), text.size() + 1)};  // with its NUL
+}
+
+reply with_number(const unconfirmed_commit::queued &result)
+{
+    if (result.code != reply_code::ok) return {result.code, {}};
+    const json_ptr answer = new_object();
+    add(answer.get(), "number", new_number(result.number));
+    return with_data(answer.get());
+}
+
+bool is_set_message(json_object *message)
+{
+    cmesage_info info;
+    return json_object_is_type(message, json_type_object) && get_cmesage_info(message, &info) == 0 && !info.is_get;
+}
+
 }  // namespace
 
 std::optional<reply> service::serve(client_record &client, uint8_t type, const std::string &data)
@@ -99,6 +122,14 @@ std::optional<reply> service::dispatch(client_record &client, uint8_t type, cons
             return std::nullopt;
         case IO_MSG_GET:
             return get(data);
+        case static_cast<uint8_t>(message_type::status):
+            return status();
+        case static_cast<uint8_t>(message_type::commit):
+            return commit(client, data);
+        case static_cast<uint8_t>(message_type::confirm):
+            return confirm();
+        case static_cast<uint8_t>(message_type::subscribe):
+            return subscribe(client);
         default:
             SERVER_LOG(LOG_WARNING, "message of unknown type %d from '%s'", type, client.module.c_str());
             return reply{reply_code::unknown_type, {}};
@@ -135,7 +166,10 @@ void service::set(const client_record &client, const std::string &data)
         if (values > limits::logged_values) quiet.emplace(LOG_CRIT);
         apply_message(message.get(), result);
     }
-    if (result.changes > 0) state_.mark_changed();
+    if (result.changes > 0) {
+        state_.mark_changed();
+        watchers_.tell(std::nullopt, message.get(), result);
+    }
     SERVER_LOG(LOG_INFO, "set from %s: %u changes, %zu refusals", sender.c_str(), result.changes,
                result.refusals.size());
     log_refusals("set from " + sender, result.refusals);
@@ -152,9 +186,47 @@ reply service::get(const std::string &data)
     const quiet_log quiet;
     const json_ptr answer(answer_get(message.get()));
     if (!answer) return {reply_code::bad_message, {}};
-    const char *const text = json_object_to_json_string_ext(answer.get(), JSON_C_TO_STRING_PLAIN);
-    if (!text) return {reply_code::failed, {}};
-    return {reply_code::ok, std::string(text, std::string_view(text).size() + 1)};  // with its NUL
+    return with_data(answer.get());
+}
+
+reply service::status() const
+{
+    const json_ptr answer = new_object();
+    add(answer.get(), "applied", new_number(state_.applied()));
+    if (const auto waiting = queue_.unconfirmed().current()) {
+        json_ptr unconfirmed = new_object();
+        add(unconfirmed.get(), "number", new_number(waiting->number));
+        if (waiting->left)
+            add(unconfirmed.get(), "seconds", new_number(ceil<std::chrono::seconds>(*waiting->left).count()));
+        add(answer.get(), "unconfirmed", std::move(unconfirmed));
+    }
+    return with_data(answer.get());
+}
+
+// The limits on a set do not hold: this one goes through the queue.
+reply service::commit(const client_record &client, const std::string &data)
+{
+    const json_ptr request = parse(text_of(data));
+    json_object *const seconds = member(request.get(), "seconds");
+    json_object *const message = member(request.get(), "message");
+    const std::chrono::seconds time(json_object_is_type(seconds, json_type_int) ? json_object_get_int64(seconds) : 0);
+    if (time.count() < 1 || time > limits::confirm_time || !is_set_message(message))
+        return {reply_code::bad_message, {}};
+    const auto result = queue_.commit(message, time);
+    if (result.code == reply_code::ok)
+        SERVER_LOG(LOG_INFO, "'%s' queued message %d, to be confirmed", client.module.c_str(), result.number);
+    return with_number(result);
+}
+
+reply service::confirm()
+{
+    return with_number(queue_.unconfirmed().confirm());
+}
+
+reply service::subscribe(client_record &client)
+{
+    if (!client.subscription) client.subscription = watchers_.add(client.push);
+    return {client.subscription ? reply_code::ok : reply_code::busy, {}};
 }
 
 }  // namespace apconf_host

@@ -25,6 +25,11 @@ void timer::start(std::chrono::milliseconds delay)
     event_add(event_.get(), &duration);
 }
 
+void timer::start_this_turn()
+{
+    if (!running()) event_active(event_.get(), EV_TIMEOUT, 0);
+}
+
 void timer::stop()
 {
     event_del(event_.get());

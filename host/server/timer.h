@@ -20,6 +20,8 @@ public:
     // Starting a running timer changes nothing: the first deadline stands.
     void start(std::chrono::milliseconds delay);
     void start_next_turn() { start(std::chrono::milliseconds::zero()); }
+    // In this turn of the loop, after all that its descriptors have called for.
+    void start_this_turn();
     void stop();
     bool running() const;
 

@@ -69,8 +69,9 @@ TEST_F(connection_without_permission, gets_a_refusal_and_is_closed_whatever_it_a
 {
     const apconf_test::log_capture log;
     running_state state(base_);
-    queue_drain queue(base_, state, 1);
-    service requests(state, queue);
+    watchers watchers;
+    queue_drain queue(base_, state, watchers, 1);
+    service requests(state, queue, watchers);
     bool closed = false;
     connection::common shared = {base_, requests, 0, [&](connection *) { closed = true; }};
     connection refused(shared, fd_owner(ends_[0]), {77, 1234, {}}, false);

@@ -310,6 +310,13 @@ std::string hostname_of_server()
     return reply && reply->code == 0 ? hostname_in_text(reply->data) : "";
 }
 
+std::string configuration_of_server()
+{
+    const raw_client client;
+    const auto reply = client.request(IO_MSG_GET, get_message("/"));
+    return reply && reply->code == 0 ? reply->data : "";
+}
+
 std::string hostname_in(const std::string &path)
 {
     return hostname_in_text(read_file(path));

@@ -90,6 +90,9 @@ std::string queued_hostname_message(const std::string &hostname, const std::stri
 // Asks the server; empty when it has no hostname or does not answer.
 std::string hostname_of_server();
 
+// The whole configuration as the server answers it.
+std::string configuration_of_server();
+
 // The hostname in a file that holds a configuration, empty when there is none.
 std::string hostname_in(const std::string &path);
 

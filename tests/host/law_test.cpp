@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/host_test.h"
+#include "host/missing.h"
 #include "host/random_message.h"
 
 namespace
@@ -11,6 +12,7 @@ namespace
 using apconf_host::json_ptr;
 using apconf_host::outcome;
 using apconf_host::role;
+using apconf_test::missing;
 using apconf_test::text_of;
 
 std::vector<std::string> lines(const outcome &outcome)
@@ -27,34 +29,6 @@ outcome applied(json_object *message, role as)
     EXPECT_TRUE(apconf_host::apply_message(message, outcome));
     EXPECT_THAT(lines(outcome), testing::IsEmpty());
     return outcome;
-}
-
-// What `part` says and `whole` does not, in one of its elements where that is a list; empty when it says everything.
-std::string missing(json_object *whole, json_object *part)
-{
-    std::string lack;
-    if (json_object_is_type(part, json_type_array)) {
-        for (size_t i = 0; i < json_object_array_length(part) && lack.empty(); ++i)
-            lack = missing(whole, json_object_array_get_idx(part, i));
-        return lack;
-    }
-    if (json_object_is_type(whole, json_type_array)) {
-        for (size_t i = 0; i < json_object_array_length(whole); ++i) {
-            lack = missing(json_object_array_get_idx(whole, i), part);
-            if (lack.empty()) return lack;
-        }
-        return lack;
-    }
-    if (!json_object_is_type(part, json_type_object)) {
-        return json_object_equal(whole, part) ? "" : ": " + text_of(part) + ", but " + text_of(whole);
-    }
-    json_object_object_foreach(part, key, value)
-    {
-        if (is_null_package_obj(value) || std::string(key) == ".OPT") continue;
-        lack = missing(apconf_host::member(whole, key), value);
-        if (!lack.empty()) return std::string("/") + key + lack;
-    }
-    return lack;
 }
 
 class law : public apconf_test::host_test, public testing::WithParamInterface<unsigned>

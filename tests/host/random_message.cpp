@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 #include "host/block.h"
 #include "host/expectation.h"
@@ -72,13 +73,11 @@ json_object *random_message::instances(const cmd_node &node, const apconf_comman
     std::set<std::string> used;
     json_object *array = json_object_new_array();
     for (uint64_t count = number(0, 3); count > 0; --count) {
-        const uint64_t last = described.array.count ? described.array.count - 1U : 0;
-        const std::string index =
-            described.variant == APCONF_RECORD_NODE ? std::to_string(number(0, last)) : single_value(node, key);
-        if (!used.insert(index).second) continue;
+        const std::string chosen = index(node, described);
+        if (!used.insert(chosen).second) continue;
         json_object *instance = package(node);
         json_object *named = json_object_new_object();
-        add(named, key.key, index);
+        add(named, key.key, chosen);
         json_object_object_add(instance, "INDEX", named);
         // INDEX first, as reports have it; members keep the order in which they were added.
         json_object *ordered = json_object_new_object();
@@ -90,7 +89,28 @@ json_object *random_message::instances(const cmd_node &node, const apconf_comman
         json_object_put(instance);
         json_object_array_add(array, ordered);
     }
+    if (described.variant == APCONF_LIST_NODE && json_object_array_length(array) == 1)
+        fill_if_bare(node, json_object_array_get_idx(array, 0));
     return array;
+}
+
+// No batch can carry a single element of a list in which nothing is set.
+void random_message::fill_if_bare(const cmd_node &node, json_object *instance)
+{
+    if (!is_null_package_obj(instance)) return;
+    const unsigned density = std::exchange(density_, 100U);
+    const apconf_host::json_ptr content(package(node));
+    density_ = density;
+    json_object_object_foreach(content.get(), name, value)
+    {
+        json_object_object_add(instance, name, json_object_get(value));
+    }
+}
+
+std::string random_message::index(const cmd_node &node, const apconf_command &described)
+{
+    if (described.variant != APCONF_RECORD_NODE) return single_value(node, described.fields[0]);
+    return std::to_string(number(0, described.array.count - 1U));
 }
 
 json_object *random_message::command(const cmd_node &node, const apconf_command &described)
@@ -154,6 +174,23 @@ json_object *random_message::arguments(const cmd_node &node, const apconf_comman
         if (!key || apconf_host::member(object, key)) continue;
         const apconf_field *field = chosen_row(described, key, selected);
         if (field) json_object_object_add(object, key, value(node, *field));
+    }
+    return object;
+}
+
+json_object *random_message::some_arguments(const cmd_node &node, const apconf_command &described)
+{
+    json_object *object = arguments(node, described);
+    const bool first_needed = described.variant == APCONF_UNSET_MEANS_NO || described.variant == APCONF_NEGATABLE_GROUP;
+    for (unsigned i = 0; i < described.field_count; ++i) {
+        const apconf_field &field = described.fields[i];
+        const bool selects = field.ptype == PTYPE_ADDR_TYPE || field.ptype == PTYPE_STRING_FORMAT;
+        // A text that stays would have to fit the new format.
+        const bool formatted = field.when == APCONF_WHEN_HEX || field.when == APCONF_WHEN_PLAIN;
+        const bool needed = selects || formatted || described.variant == APCONF_COUNTED_ARRAY ||
+                            (first_needed && i == 0) || (field.flags & APCONF_FIELD_INDEX) ||
+                            json_object_object_length(object) == 1;
+        if (field.key && !needed && chance(50)) json_object_object_del(object, field.key);
     }
     return object;
 }

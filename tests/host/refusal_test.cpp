@@ -42,8 +42,8 @@ TEST_F(refusals, tell_the_range_of_numbers_addresses_and_texts)
 {
     EXPECT_THAT(set("/config/radio/txpower_cmd", "{'radio_id':'0','txpower':'37'}"),
                 ElementsAre("config/radio[0]/txpower_cmd: txpower '37' refused: accepted is a UINT from 0 to 36"));
-    EXPECT_THAT(set("/config/radio/location_rssi_threshold_cmd", "{'radio_id':'0','rssi':'-128'}"),
-                ElementsAre(HasSubstr("accepted is a SINT from -127 to 0")));
+    EXPECT_THAT(set("/config/radio/location_rssi_threshold_cmd", "{'radio_id':'0','rssi':'-111'}"),
+                ElementsAre(HasSubstr("accepted is a SINT from -110 to -10")));
     EXPECT_THAT(set("/config/local_web_server_cmd", "{'ip':'10.0.0'}"),
                 ElementsAre(HasSubstr("accepted is an IPv4 address A.B.C.D")));
     EXPECT_THAT(set("/config/ip_route_cmd", "{'dest_prefix':'10.0.0.0/33'}"),
@@ -57,7 +57,7 @@ TEST_F(refusals, tell_the_range_of_numbers_addresses_and_texts)
 
 TEST_F(refusals, value_that_means_not_set_cannot_be_set)
 {
-    EXPECT_THAT(set("/config/radio/location_rssi_threshold_cmd", "{'radio_id':'0','rssi':'-1'}"),
+    EXPECT_THAT(set("/config/timezone_cmd", "{'zone':'gmt','hour':'-1'}"),
                 ElementsAre(HasSubstr("but this value, which means \"not set\"")));
     EXPECT_THAT(set("/config/local_web_server_cmd", "{'ip':'255.255.255.255'}"),
                 ElementsAre(HasSubstr("but this value, which means \"not set\"")));

@@ -4,7 +4,7 @@
 namespace
 {
 
-using apconf_host::role;
+using apconf_test::json_ptr;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -12,9 +12,9 @@ class set_no : public apconf_test::host_test
 {
 protected:
     // A command of BSS 1 of radio 0, as the body of a whole-tree message.
-    std::vector<std::string> bss(const std::string &body, role as = role::server)
+    std::vector<std::string> bss(const std::string &body)
     {
-        return configure("{'radio':{'INDEX':{'radio_id':'0'},'bss':{'INDEX':{'wlan_id':'1'}," + body + "}}}", as);
+        return configure("{'radio':{'INDEX':{'radio_id':'0'},'bss':{'INDEX':{'wlan_id':'1'}," + body + "}}}");
     }
     std::string of_bss(const std::string &place) { return running("radio/bss/" + place); }
 };
@@ -297,6 +297,24 @@ TEST_F(set_no, list_packages_make_find_and_remove_their_elements)
     EXPECT_EQ(root.config.dhcp_server.pool.list, nullptr);
 }
 
+TEST_F(set_no, a_single_element_in_which_nothing_is_set_is_part_of_the_configuration)
+{
+    set("/config/vlan", "{'vlan_id':'7'}");
+    set("/config/dhcp_server/pool", "{'pool_name':'guests'}");
+    set("/config/ip_acl", "{'identify':'100'}");
+    const std::string whole = R"({"config":{"dhcp_server":{"pool":{"INDEX":{"pool_name":"guests"}}},)"
+                              R"("vlan":{"INDEX":{"vlan_id":"7"}},"ip_acl":{"INDEX":{"identify":"100"}}}})";
+    EXPECT_EQ(running(), whole);
+    const json_ptr report(apconf_host::running_configuration());
+    apconf_host::release_configuration();
+    apconf_host::outcome again;
+    apconf_host::apply_message(report.get(), again);
+    EXPECT_THAT(again.refusals, IsEmpty());
+    EXPECT_EQ(running(), whole);
+    set("/config/vlan/dhcp_cmd", "{'vlan_id':'7','type':'relay'}");
+    EXPECT_EQ(running("vlan"), R"({"INDEX":{"vlan_id":"7"},"dhcp_cmd":{"type":"relay"}})");
+}
+
 TEST_F(set_no, removing_below_an_element_that_does_not_exist_makes_none)
 {
     EXPECT_THAT(set("/config/vlan/dhcp_cmd", "{'.OPT':'no','vlan_id':'5'}"),
@@ -317,38 +335,6 @@ TEST_F(set_no, packages_and_instances_can_be_removed_whole)
     EXPECT_EQ(running(), "{}");
     EXPECT_THAT(set("/config", "{'.OPT':'no'}"),
                 ElementsAre("config: 'no' refused: accepted is the removal of a package or command below it"));
-}
-
-TEST_F(set_no, batch_reports_a_removed_bss_and_one_that_is_made_again)
-{
-    EXPECT_THAT(
-        configure("{'radio':{'INDEX':{'radio_id':'0'},'bss':{'INDEX':{'wlan_id':'1','.OPT':'no'}}}}", role::batch),
-        IsEmpty());
-    EXPECT_EQ(running(),
-              R"({"config":{"radio":{"INDEX":{"radio_id":"0"},"bss":{"INDEX":{"wlan_id":"1",".OPT":"no"}}}}})");
-    EXPECT_THAT(bss("'ssid_cmd':{'ssid':'again'}", role::batch), IsEmpty());
-    EXPECT_EQ(root.config.radio[0].bss[1].state, BSS_RECREATE);
-    EXPECT_EQ(running("radio/bss/0"), R"({"INDEX":{"wlan_id":"1",".OPT":"no"}})");
-    EXPECT_EQ(running("radio/bss/1/ssid_cmd/ssid"), "\"again\"");
-}
-
-TEST_F(set_no, batch_refuses_a_removal_that_it_cannot_carry)
-{
-    EXPECT_THAT(configure("{'hostname_cmd':{'.OPT':'no'}}", role::batch),
-                ElementsAre("config/hostname_cmd: 'no' refused: accepted is the removal of something that this batch "
-                            "sets; a batch can carry no other removal here"));
-    EXPECT_THAT(configure("{'hostname_cmd':[{'hostname':'a'},{'.OPT':'no'}]}", role::batch), IsEmpty());
-    EXPECT_EQ(running(), "{}");
-}
-
-TEST_F(set_no, commit_leaves_nothing_behind)
-{
-    EXPECT_THAT(bss("'auth_wpa3_sae':{'wpa_type_cmd':{'sae_password':'password1'},"
-                    "'wpa_radius_auth_server_cmd':{'ip':'10.0.0.1','key':'shared'}}",
-                    role::batch),
-                IsEmpty());
-    apconf_host::commit_batch();
-    EXPECT_EQ(memcmp(&root, &mirror_root, sizeof root), 0);
 }
 
 }  // namespace

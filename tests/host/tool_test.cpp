@@ -1,12 +1,9 @@
 // apconf as it ships, run as a process: beside a running server and without one.
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include "host/tool_process.h"
 
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <thread>
 
 #include "host/host_test.h"
@@ -15,77 +12,16 @@ namespace
 {
 
 namespace fs = std::filesystem;
+using apconf_test::apconf;
+using apconf_test::content;
+using apconf_test::tool;
+using apconf_test::tool_with_server;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-struct result {
-    int status;
-    std::string output;
-    std::string errors;
-};
-
-std::string content(const char *file)
-{
-    std::ostringstream text;
-    text << std::ifstream(file).rdbuf();
-    return text.str();
-}
-
-// Runs the tool through the shell, quotes and all.
-result apconf(const std::string &arguments, const std::string &input = "")
-{
-    std::ofstream("/tmp/input") << input;
-    const int status = system((APCONF_TOOL " " + arguments + " </tmp/input >/tmp/output 2>/tmp/errors").c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, content("/tmp/output"), content("/tmp/errors")};
-}
-
-class tool : public testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        fs::copy_file(APCONF_SOURCE_DIR "/etc/config_cmd_tree.xml", "/etc/config_cmd_tree.xml",
-                      fs::copy_options::overwrite_existing);
-        fs::remove_all(CMQ_DIR);
-        fs::remove(IO_SOCK_PATH);
-    }
-    static void make_queue()
-    {
-        for (const char *directory : {CMQ_NEW_DIR, CMQ_OLD_DIR, CMQ_BAD_DIR}) fs::create_directories(directory);
-        std::ofstream(CMQ_MAX_INDEX) << "7 ";
-        std::ofstream(CMQ_CUR_INDEX) << "6 ";
-    }
-};
-
-// With a server that was started for the test.
-class tool_with_server : public tool
-{
-protected:
-    void SetUp() override
-    {
-        tool::SetUp();
-        server_ = fork();
-        if (server_ == 0) {
-            execl("/bin/sh", "sh", "-c", "exec " APCONF_SERVER " --foreground", nullptr);
-            _exit(127);
-        }
-        for (int i = 0; i < 200 && !fs::exists(IO_SOCK_PATH); ++i)
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        ASSERT_TRUE(fs::exists(IO_SOCK_PATH)) << "the server did not start";
-    }
-    void TearDown() override
-    {
-        kill(server_, SIGTERM);
-        int status = 0;
-        waitpid(server_, &status, 0);
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the server ended with " << status;
-    }
-
-private:
-    pid_t server_ = -1;
-};
+using result = apconf_test::tool_result;
 
 TEST_F(tool, usage_mistakes_end_with_2_and_say_what_is_wrong)
 {
@@ -103,7 +39,8 @@ TEST_F(tool, usage_mistakes_end_with_2_and_say_what_is_wrong)
 
 TEST_F(tool, help_of_every_command_has_an_example)
 {
-    for (const char *command : {"get", "set", "no", "commit", "queue", "queue list", "queue show"}) {
+    for (const char *command : {"get", "set", "no", "commit", "confirm", "rollback", "save", "history", "watch",
+                                "queue", "queue list", "queue show"}) {
         const result help = apconf(std::string(command) + " --help");
         EXPECT_EQ(help.status, 0) << command;
         EXPECT_THAT(help.output, HasSubstr("Example: ")) << command;
@@ -201,6 +138,11 @@ TEST_F(tool, shows_the_queue_without_its_secrets)
     EXPECT_THAT(apconf("queue show 6").output, HasSubstr(R"("password": "***")"));
     EXPECT_THAT(apconf("queue show 6 --secrets").output, HasSubstr(R"("password": "hush")"));
     EXPECT_THAT(apconf("queue show 5").output, HasSubstr("config/x refused\n"));
+    EXPECT_THAT(apconf("queue --json").output, HasSubstr(R"({"number":5,"state":"refused","time":)"));
+    EXPECT_EQ(apconf("queue list --json").output, apconf("queue --json").output);
+    EXPECT_THAT(apconf("queue show 5 --json").output, HasSubstr(R"("reasons":["config/x refused"]}])"));
+    EXPECT_THAT(apconf("queue show 6 --json").output, HasSubstr(R"("password":"***")"));
+    EXPECT_THAT(apconf("queue show 6 --json --secrets").output, HasSubstr(R"("password":"hush")"));
     EXPECT_EQ(apconf("queue show 9").status, 1);
 }
 
