@@ -1,19 +1,15 @@
 // apconf queue: what waits to be applied, what was applied and what was refused.
-#include <sys/stat.h>
-
-#include <algorithm>
-#include <charconv>
 #include <cstdio>
-#include <ctime>
-#include <filesystem>
 #include <fstream>
-#include <optional>
+#include <limits>
 #include <string>
 #include <vector>
 
-#include "json.h"
+#include "json_build.h"
 #include "secrets.h"
+#include "tool/command_line.h"
 #include "tool/problem.h"
+#include "tool/queue_files.h"
 #include "tool/subcommands.h"
 
 namespace apconf_host
@@ -22,110 +18,123 @@ namespace apconf_host
 namespace
 {
 
-namespace fs = std::filesystem;
-
-struct entry {
-    int number;
-    const char *state;
-    fs::path file;
+struct queue_options {
+    int number = 0;
+    bool json = false;
+    bool secrets = false;
 };
 
-// The number in "17.json"; nothing for other names.
-std::optional<int> number_of(const fs::path &file, const char *extension)
+json_ptr message_in(const queue_entry &entry, bool secrets)
 {
-    const std::string stem = file.stem().string();
-    int number = 0;
-    const auto [end, error] = std::from_chars(stem.data(), stem.data() + stem.size(), number);
-    if (file.extension() != extension || error != std::errc() || end != stem.data() + stem.size() || number < 1)
-        return std::nullopt;
-    return number;
-}
-
-void add_entries(const char *directory, const char *extension, const char *state, std::vector<entry> &entries)
-{
-    std::error_code error;
-    fs::directory_iterator files(directory, error);
-    if (error) throw failure(std::string(directory) + ": " + error.message() + "; apconfd makes it when it starts");
-    for (const auto &file : files)
-        if (const auto number = number_of(file.path(), extension)) entries.push_back({*number, state, file.path()});
-}
-
-// Of the messages, those before the next to be fetched have been handled and are kept as backups.
-std::vector<entry> all_entries()
-{
-    std::vector<entry> entries;
-    add_entries(CMQ_NEW_DIR, ".json", "pending", entries);
-    const int next = get_message_index(CMQ_CUR_INDEX);
-    for (entry &entry : entries)
-        if (entry.number < next) entry.state = "handled";
-    add_entries(CMQ_OLD_DIR, ".json", "applied", entries);
-    add_entries(CMQ_BAD_DIR, ".txt", "refused", entries);
-    std::stable_sort(entries.begin(), entries.end(),
-                     [](const entry &one, const entry &other) { return one.number < other.number; });
-    return entries;
-}
-
-std::string time_of(const fs::path &file)
-{
-    struct stat status;
-    if (stat(file.c_str(), &status) != 0) return "-";
-    struct tm parts;
-    char text[32];
-    if (!localtime_r(&status.st_mtime, &parts) || !strftime(text, sizeof text, "%F %T", &parts)) return "-";
-    return text;
-}
-
-std::string sender_of(const entry &entry)
-{
-    if (entry.file.extension() != ".json") return "-";
-    const json_ptr message(json_object_from_file(entry.file.c_str()));
-    std::string sender = scalar_text(member(message.get(), "MODULE")).value_or("-");
-    for (char &c : sender)
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '?';
-    return sender;
-}
-
-void show(const entry &entry, bool secrets)
-{
-    printf("%d %s, %s\n", entry.number, entry.state, time_of(entry.file).c_str());
-    if (entry.file.extension() != ".json") {
-        std::ifstream text(entry.file);
-        for (std::string line; std::getline(text, line);) printf("%s\n", line.c_str());
-        return;
-    }
-    const json_ptr message(json_object_from_file(entry.file.c_str()));
+    json_ptr message(json_object_from_file(entry.file.c_str()));
     if (!message) throw failure(entry.file.string() + ": no JSON");
     if (!secrets) mask_secrets(message.get());
-    puts(json_object_to_json_string_ext(
-        message.get(), JSON_C_TO_STRING_PRETTY | JSON_C_TO_STRING_SPACED | JSON_C_TO_STRING_NOSLASHESCAPE));
+    return message;
 }
 
-}  // namespace
+std::vector<std::string> lines_in(const queue_entry &entry)
+{
+    std::ifstream text(entry.file);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(text, line);) lines.push_back(line);
+    return lines;
+}
 
-int list_queue(const queue_options &)
+json_ptr described(const queue_entry &entry)
+{
+    json_ptr object = new_object();
+    add(object.get(), "number", new_number(entry.number));
+    add(object.get(), "state", new_text(entry.state));
+    add(object.get(), "time", new_number(written_at(entry)));
+    add(object.get(), "sender", new_text(sender_of(entry).c_str()));
+    return object;
+}
+
+json_ptr described_whole(const queue_entry &entry, bool secrets)
+{
+    json_ptr object = described(entry);
+    if (entry.is_message()) {
+        add(object.get(), "message", message_in(entry, secrets));
+        return object;
+    }
+    json_ptr reasons = made(json_object_new_array());
+    for (const std::string &line : lines_in(entry)) append(reasons.get(), new_text(line.c_str()));
+    add(object.get(), "reasons", std::move(reasons));
+    return object;
+}
+
+void print_whole(const queue_entry &entry, bool secrets)
+{
+    printf("%d %s, %s\n", entry.number, entry.state, time_of(entry).c_str());
+    if (entry.is_message())
+        puts(json_object_to_json_string_ext(message_in(entry, secrets).get(), JSON_C_TO_STRING_PRETTY |
+                                                                                  JSON_C_TO_STRING_SPACED |
+                                                                                  JSON_C_TO_STRING_NOSLASHESCAPE));
+    else
+        for (const std::string &line : lines_in(entry)) puts(line.c_str());
+}
+
+int list_queue(const queue_options &options)
 {
     const auto entries = all_entries();
+    if (options.json) {
+        const json_ptr list = made(json_object_new_array());
+        for (const queue_entry &entry : entries) append(list.get(), described(entry));
+        puts(shown(list.get()).c_str());
+        return EXIT_DONE;
+    }
     if (entries.empty()) {
         puts("the queue is empty");
         return EXIT_DONE;
     }
     printf("%8s  %-8s %-20s %s\n", "NUMBER", "STATE", "TIME", "SENDER");
-    for (const entry &entry : entries)
-        printf("%8d  %-8s %-20s %s\n", entry.number, entry.state, time_of(entry.file).c_str(),
-               sender_of(entry).c_str());
+    for (const queue_entry &entry : entries)
+        printf("%8d  %-8s %-20s %s\n", entry.number, entry.state, time_of(entry).c_str(), sender_of(entry).c_str());
     return EXIT_DONE;
 }
 
 int show_queued(const queue_options &options)
 {
+    const json_ptr list = made(json_object_new_array());
     bool found = false;
-    for (const entry &entry : all_entries()) {
+    for (const queue_entry &entry : all_entries()) {
         if (entry.number != options.number) continue;
-        show(entry, options.secrets);
         found = true;
+        if (options.json)
+            append(list.get(), described_whole(entry, options.secrets));
+        else
+            print_whole(entry, options.secrets);
     }
     if (!found) throw failure("message " + std::to_string(options.number) + " is not in the queue");
+    if (options.json) puts(shown(list.get()).c_str());
     return EXIT_DONE;
+}
+
+void add_json(CLI::App &subcommand, queue_options &options)
+{
+    subcommand.add_flag("--json", options.json, "Print a JSON array of them");
+}
+
+}  // namespace
+
+void add_queue(command_line &line)
+{
+    const auto options = std::make_shared<queue_options>();
+    const auto run_list = [options] { return list_queue(*options); };
+    CLI::App &queue = line.add({group::queue, "queue", "Show the message queue", "apconf queue show 17", run_list});
+    queue.require_subcommand(0, 1);
+    add_json(queue, *options);
+    CLI::App &list = line.add_below(
+        queue, {nullptr, "list", "List all messages: number, state, time and sender", "apconf queue list", run_list});
+    add_json(list, *options);
+
+    CLI::App &show = line.add_below(queue, {nullptr, "show", "Print a message, and why it was refused",
+                                            "apconf queue show 17", [options] { return show_queued(*options); }});
+    show.add_option("NUMBER", options->number, "The message's number")
+        ->required()
+        ->check(CLI::Range(1, std::numeric_limits<int>::max()));
+    add_json(show, *options);
+    add_secrets(show, options->secrets);
 }
 
 }  // namespace apconf_host

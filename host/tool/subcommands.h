@@ -1,38 +1,32 @@
-// The subcommands of apconf. Each returns its exit status or throws what problem.h declares.
+// The subcommands of apconf. Each file in this folder holds one, or a few that belong together: its options, what it
+// does, and the function that adds it to the command line.
 #pragma once
-
-#include <string>
-#include <vector>
 
 namespace apconf_host
 {
 
-struct get_options {
-    std::string path;
-    std::vector<std::string> assignments;
-    bool json = false;     // the raw answer on one line
-    bool secrets = false;  // show them
-};
+class command_line;
 
-struct change_options {
-    std::string path;
-    std::vector<std::string> assignments;
-};
-
-struct commit_options {
-    std::string file;  // "-": standard input
-};
-
-struct queue_options {
-    int number = 0;
-    bool secrets = false;
-};
-
-int get_command(const get_options &options);
-int set_command(const change_options &options);
-int no_command(const change_options &options);
-int commit_command(const commit_options &options);
-int list_queue(const queue_options &options);
-int show_queued(const queue_options &options);
+void add_apply(command_line &line);
+void add_check(command_line &line);
+void add_commit(command_line &line);
+void add_confirm(command_line &line);
+void add_convert(command_line &line);
+void add_describe(command_line &line);
+void add_diff(command_line &line);
+void add_get(command_line &line);
+void add_help(command_line &line);
+void add_history(command_line &line);
+void add_list(command_line &line);
+void add_no(command_line &line);
+void add_paths(command_line &line);
+void add_queue(command_line &line);
+void add_rollback(command_line &line);
+void add_save(command_line &line);
+void add_set(command_line &line);
+void add_shell(command_line &line);
+void add_complete(command_line &line);
+void add_show(command_line &line);
+void add_watch(command_line &line);
 
 }  // namespace apconf_host

@@ -1,6 +1,8 @@
 // What a command line addresses: a path with its instances and arguments, all checked against the loaded schema.
 #include "tool/target.h"
 
+#include <algorithm>
+
 #include "arguments.h"
 #include "expectation.h"
 #include "instances.h"
@@ -42,6 +44,55 @@ std::vector<component> split_path(const std::string &path)
         components.push_back(std::move(part));
     }
     return components;
+}
+
+struct step {
+    component part;
+    cmd_node *node;
+    std::string path;
+};
+
+// The paths of all nodes below that have this name, or have it but for their "_cmd".
+void find_named(const cmd_node &node, const std::string &path, const std::string &name, std::vector<std::string> &found)
+{
+    for (const cmd_node *child = node.children; child && child->name; ++child) {
+        const std::string here = path.empty() ? child->name : path + "/" + child->name;
+        if (child->name == name || child->name == name + "_cmd") found.push_back(here);
+        find_named(*child, here, name, found);
+    }
+}
+
+// Somebody who knows a command's name only is told where it is.
+std::string accepted_step(const cmd_node &parent, const std::string &above, const std::string &name)
+{
+    std::vector<std::string> elsewhere;
+    if (above.empty() || above == "config") find_named(*get_cmd_tree(), "", name, elsewhere);
+    if (elsewhere.empty()) return accepted_command(parent, above, name);
+    constexpr size_t most = 3;
+    std::string text = "a path from config on, perhaps ";
+    for (size_t i = 0; i < std::min(elsewhere.size(), most); ++i) text += (i ? ", " : "") + elsewhere[i];
+    return text + (elsewhere.size() > most ? ", ..." : "");
+}
+
+// The nodes from "config" down to the one that the path names.
+std::vector<step> steps_of(const std::string &path)
+{
+    auto components = split_path(path);
+    if (components.empty() || components.front().name != "config")
+        components.insert(components.begin(), {"config", "", false});
+    std::vector<step> steps;
+    cmd_node *node = get_cmd_tree();
+    std::string above;
+    for (const component &part : components) {
+        cmd_node *child = search_child_cmd(node, part.name.c_str());
+        const std::string here = above.empty() ? part.name : above + "/" + part.name;
+        if (!child && node->children) throw refused_by_schema({here, "", "", accepted_step(*node, above, part.name)});
+        if (!child) throw refused_by_schema({here, "", "", above + ", which is a command with nothing below it"});
+        steps.push_back({part, child, here});
+        node = child;
+        above = here;
+    }
+    return steps;
 }
 
 void add_text(json_object *object, const std::string &key, const std::string &text)
@@ -91,26 +142,17 @@ public:
 private:
     void walk(const std::string &path)
     {
-        auto components = split_path(path);
-        if (components.empty() || components.front().name != "config")
-            components.insert(components.begin(), {"config", "", false});
-        cmd_node *node = get_cmd_tree();
-        for (const component &part : components) {
-            cmd_node *child = search_child_cmd(node, part.name.c_str());
-            const std::string here = names_.empty() ? part.name : names_ + "/" + part.name;
-            if (!child && node->children)
-                throw refused_by_schema({here, "", "", accepted_command(*node, names_, part.name)});
-            if (!child) throw refused_by_schema({here, "", "", names_ + ", which is a command with nothing below it"});
-            const char *key = index_key(*apconf_find_command(child));
-            if (part.has_instance && !key)
-                throw refused_by_schema({here, "", part.instance, here + " without an instance; there is only one"});
-            if (part.has_instance) add_text(target_.index.get(), key, part.instance);
-            target_.nodes.push_back(child);
-            names_ = here;
-            node = child;
+        for (const step &step : steps_of(path)) {
+            const char *key = index_key(*apconf_find_command(step.node));
+            if (step.part.has_instance && !key)
+                throw refused_by_schema(
+                    {step.path, "", step.part.instance, step.path + " without an instance; there is only one"});
+            if (step.part.has_instance) add_text(target_.index.get(), key, step.part.instance);
+            target_.nodes.push_back(step.node);
+            names_ = step.path;
         }
         target_.wire_path = "/" + names_;
-        target_.command = apconf_find_command(node);
+        target_.command = apconf_find_command(target_.nodes.back());
     }
 
     void assign(const std::string &assignment)
@@ -237,6 +279,20 @@ json_ptr target::param() const
         }
     }
     return both;
+}
+
+named_node find_node(const std::string &path)
+{
+    const step last = steps_of(path).back();
+    return {last.node, last.path};
+}
+
+const syntax_command &find_syntax(const vocabulary &vocabulary, const std::string &path)
+{
+    const named_node named = find_node(path);
+    const syntax_command *found = vocabulary.find(named.node);
+    if (!found) throw failure(named.path + ": the command-tree file has no words for it; 'apconf check' says more");
+    return *found;
 }
 
 target parse_target(action action, const std::string &path, const std::vector<std::string> &assignments)

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/vocabulary.h"
 #include "json.h"
 #include "tool/problem.h"
 
@@ -25,6 +26,18 @@ struct target {
     // Index keys and arguments together, as they travel.
     json_ptr param() const;
 };
+
+struct named_node {
+    const cmd_node *node;
+    std::string path;  // without instances: "config/radio/bss"
+};
+
+// What a path names; the empty one is "config". Instances in brackets are passed over. Throws refused_by_schema or
+// usage_problem.
+named_node find_node(const std::string &path);
+
+// Likewise, as the vocabulary has it. Throws failure when it has no words for it.
+const syntax_command &find_syntax(const vocabulary &vocabulary, const std::string &path);
 
 // Throws refused_by_schema or usage_problem.
 target parse_target(action action, const std::string &path, const std::vector<std::string> &assignments);
