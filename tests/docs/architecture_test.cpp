@@ -122,7 +122,7 @@ TEST(architecture, all_scopes_stand_in_the_table)
 TEST(architecture, the_files_that_the_documentation_names_exist)
 {
     for (const char *document :
-         {"README.md", "docs/architecture.md", "docs/wire.md", "docs/handlers.md", "CHANGELOG.md"}) {
+         {"README.md", "DEVELOPERS.md", "docs/architecture.md", "docs/wire.md", "docs/handlers.md", "CHANGELOG.md"}) {
         const auto names = matches(source_file(document), "`(([a-z_0-9]+/)+[a-z_0-9]+\\.[a-z]+)`");
         for (const auto &name : names)
             EXPECT_TRUE(fs::exists(fs::path(APCONF_SOURCE_DIR) / name[1])) << document << " names " << name[1];

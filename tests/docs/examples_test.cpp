@@ -1,6 +1,8 @@
-// The example programs do what their texts promise: the client against the server.
+// The example programs do what their texts promise: the client against the server, the owner against the queue.
+#include <apconf/cmq.h>
 #include <apconf/io_sock.h>
 #include <gtest/gtest.h>
+#include <json-c/json.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -8,6 +10,7 @@
 #include <array>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 namespace fs = std::filesystem;
@@ -90,4 +93,20 @@ TEST_F(examples, a_text_that_the_schema_refuses_leaves_the_old_one)
     const result second = run_client("a text of more than thirty-two characters");
     EXPECT_EQ(second.output, "ssid: lobby\n");
     EXPECT_EQ(second.status, 1);
+}
+
+TEST_F(examples, the_owner_commits_one_message)
+{
+    fs::remove_all(CMQ_DIR);
+    for (const char *directory : {CMQ_NEW_DIR, CMQ_OLD_DIR, CMQ_BAD_DIR}) fs::create_directories(directory);
+    cmq_init();
+    ASSERT_EQ(system(EXAMPLE_OWNER " >/tmp/output 2>/dev/null"), 0);
+    std::string printed;
+    std::getline(std::ifstream("/tmp/output"), printed);
+    EXPECT_EQ(printed, "message 1");
+    json_object *const message = json_object_from_file(CMQ_NEW_DIR "/1.json");
+    EXPECT_STREQ(json_object_to_json_string_ext(message, JSON_C_TO_STRING_PLAIN),
+                 R"({"config":{"radio":{"INDEX":{"radio_id":"1"},"channel_cmd":{"channel":"44"}},)"
+                 R"("hostname_cmd":{"hostname":"lobby"}},"MODULE":"owner","ACTION":"set"})");
+    json_object_put(message);
 }

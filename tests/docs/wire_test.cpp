@@ -316,6 +316,19 @@ TEST(reply_codes, are_those_of_the_host)
     EXPECT_EQ(documented, expected);
 }
 
+TEST(message_types, are_those_of_the_host)
+{
+    const std::string numbers = between(source_file("host/message_types.h"), "enum class message_type", "};");
+    table expected;
+    for (const auto &row : matches(numbers, "([a-z_]+) = ([0-9]+)")) expected.push_back({row[2], row[1]});
+    ASSERT_FALSE(expected.empty());
+    EXPECT_EQ(expected.front().front(), std::to_string(IO_MSG_HOST_FIRST));
+    table documented;
+    for (const auto &row : table_below(wire_document(), "## Messages of the reference server"))
+        documented.push_back({row.begin(), row.begin() + 2});
+    EXPECT_EQ(documented, expected);
+}
+
 namespace
 {
 
