@@ -3,11 +3,19 @@
 #pragma once
 
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 
 #include <string>
 
 namespace apconf_bench
 {
+
+// For measurements of large trees: whether a release happens to give the heap's end back to the kernel, and the next
+// tree has to fetch it anew, would decide about half of the time, on either side.
+inline void keep_freed_memory()
+{
+    mallopt(M_TRIM_THRESHOLD, 1 << 30);
+}
 
 // Both are functions of a benchmark's state; `configure` is applied to both registered benchmarks.
 template <typename Ours, typename Limit, typename Configure>

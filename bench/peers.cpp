@@ -20,6 +20,9 @@ namespace apconf_bench
 namespace
 {
 
+constexpr int start_attempts = 500;
+constexpr useconds_t start_pause = 10'000;
+
 [[noreturn]] void give_up(const char *what)
 {
     perror(what);
@@ -121,10 +124,21 @@ pid_t start_library_server(const char *socket_path, const char *hostname)
     if (command_tree_parser() != 0) give_up("the command tree does not load");
     init_cmd_tree_data();
     root.config.hostname_cmd.hostname = strdup(hostname);
+    unlink(socket_path);
     const int listening = init_io_sock(1, socket_path);
     if (listening < 0) give_up(socket_path);
     fcntl(listening, F_SETFL, fcntl(listening, F_GETFL) & ~O_NONBLOCK);
     for (;;) serve(accept(listening, nullptr, nullptr));
+}
+
+int connect_when_ready(const child_process &server, const char *socket_path)
+{
+    for (int attempt = 0; attempt < start_attempts && server.is_running(); ++attempt) {
+        const int connection = init_cmclient(socket_path, "bench");
+        if (connection >= 0) return connection;
+        usleep(start_pause);
+    }
+    give_up("the server does not answer");
 }
 
 pid_t start_echo(int fd, json_object *answer)

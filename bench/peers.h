@@ -1,4 +1,4 @@
-// The processes at the other end of a round trip. All run on the one CPU that this process is pinned to.
+// The processes at the other end of a connection.
 #pragma once
 
 #include <json-c/json.h>
@@ -34,6 +34,9 @@ pid_t start_program(char **command_line);
 // Starts a server made of the library alone: it listens on `socket_path` and answers gets of what the schema knows,
 // with `hostname` as the one value that is set. One client at a time.
 pid_t start_library_server(const char *socket_path, const char *hostname);
+
+// Connects this process to a server that is being started.
+int connect_when_ready(const child_process &server, const char *socket_path);
 
 // Starts a process that reads JSON texts from `fd` and answers each with `answer`.
 pid_t start_echo(int fd, json_object *answer);

@@ -28,8 +28,6 @@ constexpr char hostname[] = "access-point";
 constexpr char set_param[] = R"({"hostname":"access-point"})";
 constexpr int trips_per_iteration = 100;
 constexpr benchmark::IterationCount iterations = 50;
-constexpr int start_attempts = 500;
-constexpr useconds_t start_pause = 10'000;
 
 [[noreturn]] void give_up(const char *what)
 {
@@ -56,16 +54,6 @@ json_object *get_once()
     json_object *const answer = json_tokener_parse(reply->data);
     free(reply);
     return answer;
-}
-
-int connect_when_ready(const child_process &server, const char *socket_path)
-{
-    for (int attempt = 0; attempt < start_attempts && server.is_running(); ++attempt) {
-        const int connection = init_cmclient(socket_path, "bench");
-        if (connection >= 0) return connection;
-        usleep(start_pause);
-    }
-    give_up("the server does not answer");
 }
 
 // The answer of the first get, once it is the expected one.
@@ -145,6 +133,7 @@ void add(peer &peer, const char *socket_path)
 int main(int argc, char **argv)
 {
     benchmark::Initialize(&argc, argv);
+    argv[argc] = nullptr;  // it takes its own arguments out, but leaves the end where it was
     pin_to_one_cpu();
 
     peer library("library alone", start_library_server(own_socket_path, hostname));
