@@ -56,6 +56,25 @@ void give_back_terminal(int number)
     sigprocmask(SIG_UNBLOCK, &one, nullptr);
 }
 
+// While it lives, keys such as Ctrl-C send signals.
+class signals_from_keys
+{
+public:
+    signals_from_keys()
+    {
+        tcgetattr(STDIN_FILENO, &before_);
+        termios with = before_;
+        with.c_lflag |= ISIG;
+        tcsetattr(STDIN_FILENO, TCSANOW, &with);
+    }
+    ~signals_from_keys() { tcsetattr(STDIN_FILENO, TCSANOW, &before_); }
+    signals_from_keys(const signals_from_keys &) = delete;
+    signals_from_keys &operator=(const signals_from_keys &) = delete;
+
+private:
+    termios before_ = {};
+};
+
 bool input_waits()
 {
     pollfd input = {STDIN_FILENO, POLLIN, 0};
@@ -154,11 +173,14 @@ private:
         add_key(L"apconf-help", L"Show what can stand here", L"?",
                 [](EditLine *which, int) { return self(which).help(); });
         // Between two lines the terminal neither echoes nor edits: what is typed meanwhile waits for the next line.
-        el_set(editor, EL_SETTY, "-x", "-icanon", "-echo", nullptr);
-        // Ctrl-C as a key: a signal between two keys would be seen with the next one only.
-        el_set(editor, EL_SETTY, "-d", "intr=", nullptr);
+        el_set(editor, EL_SETTY, "-x", "-icanon", "-echo", "-isig", nullptr);
+        // Ctrl-C and Ctrl-Z as keys: a signal between two keys would be seen with the next one only, and the terminal
+        // would drop what was typed before and printed last.
+        el_set(editor, EL_SETTY, "-d", "-isig", nullptr);
         add_key(L"apconf-clear", L"Leave the line", L"^C",
                 [](EditLine *which, int) { return self(which).interrupt(); });
+        add_key(L"apconf-stop", L"Back to the calling shell", L"^Z",
+                [](EditLine *which, int) { return self(which).stop(); });
         el_source(editor, nullptr);  // the user's own keys
     }
 
@@ -235,6 +257,23 @@ private:
         return CC_EOF;
     }
 
+    // All of the pipe that this program is in, as the key does elsewhere. Afterwards the line is shown again.
+    unsigned char stop()
+    {
+        fputs(std::string(rows().below + 1, '\n').c_str(), stdout);
+        fflush(stdout);
+        el_set(editor_.get(), EL_PREP_TERM, 0);
+        tcsetattr(STDIN_FILENO, TCSANOW, &settings_before);
+        {
+            const signal_action stopped(SIGTSTP, SIG_DFL);
+            const signal_action continued(SIGCONT, SIG_DFL);
+            kill(0, SIGTSTP);
+        }
+        el_set(editor_.get(), EL_PREP_TERM, 1);
+        el_set(editor_.get(), EL_REFRESH);
+        return CC_NORM;
+    }
+
     session &session_;
     std::string prompt_;
     bool interrupted_ = false;
@@ -258,6 +297,7 @@ void execute(session &session, const std::string &line, terminal &terminal, cons
     {
         // A server that never answers must not hold anybody.
         const signal_action usual(SIGINT, give_back_terminal);
+        const signals_from_keys keys;
         reply = session.execute(line);
     }
     fputs(reply.output.c_str(), stdout);

@@ -186,14 +186,16 @@ TEST_F(terminal, a_signal_that_ends_it_leaves_the_terminal_as_it_was)
 TEST_F(terminal, stops_and_goes_on)
 {
     terminal_process shell(std::string("sh -m -c '") + apconf_shell +
-                           "; stty; printf \"stopped> \"; read line; fg >/dev/null; exit'");
+                           "; stty; for time in 1 2; do printf \"stopped> \"; read line; fg >/dev/null; done; exit'");
     shell.expect_cursor_behind("apconf> ");
     shell.enter("hostname lobby", "apconf*> ");
     shell.type("hostn");
     shell.expect_cursor_behind("apconf*> hostn");
-    shell.type("\032");
-    shell.expect_cursor_behind("stopped> ");
-    shell.enter("", "apconf*> hostn");
+    for (int time = 0; time < 2; ++time) {
+        shell.type("\032");
+        shell.expect_cursor_behind("stopped> ");
+        shell.enter("", "apconf*> hostn");
+    }
     EXPECT_THAT(shell.seen().text(), HasSubstr("speed ")) << "stty has run";
     EXPECT_THAT(shell.seen().text(), Not(testing::ContainsRegex("-icanon|-echo\\b"))) << "on an ordinary terminal";
     shell.enter("ame hall", "apconf*> ");
