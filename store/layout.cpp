@@ -100,8 +100,33 @@ using record = enum_pair;
 ON_TARGET(sizeof(record) == 2 * word && are_words({AT(id), AT(token)}));
 }  // namespace token
 
+namespace syntax
+{
+using record = ptype_info;
+ON_TARGET(sizeof(record) == 4 * word && are_words({AT(name), AT(min), AT(max), AT(format)}));
+}  // namespace syntax
+
+namespace help
+{
+using record = help_entry;
+ON_TARGET(sizeof(record) == 3 * word && are_words({AT(key), AT(text), AT(printed)}));
+static_assert(SIZE(printed) == 1);
+}  // namespace help
+
+namespace retrieval
+{
+using record = rtv_record;
+ON_TARGET(sizeof(record) == 3 * word && are_words({AT(name), AT(children), AT(value)}));
+}  // namespace retrieval
+
+namespace masked_address
+{
+using record = ipv4_mask;
+static_assert(sizeof(record) == 8 && are_words({AT(address), AT(prefix)}));
+}  // namespace masked_address
+
 // Ranges, and values that are more than one number.
-static_assert(sizeof(length_range) == 8 && sizeof(ipv4_mask) == 8 && sizeof(mac_addr) == 6);
+static_assert(sizeof(length_range) == 8 && sizeof(mac_addr) == 6);
 static_assert(sizeof(sint_range) == 8 && sizeof(uint_range) == 8 && sizeof(uint64_range) == 16);
 static_assert(sizeof(uint8_range) == 2 && sizeof(uint16_range) == 4 && sizeof(float_range) == 8);
 
@@ -214,6 +239,7 @@ static_assert(LENGTH(friendly_name_cmd) == 64);
 static_assert(LENGTH(network_auth_cmd) == 64);
 static_assert(LENGTH(cellular_cmd) == 42 && LENGTH(domain_name_cmd) == 64 && LENGTH(nai_realm_cmd) == 64);
 static_assert(in_order({AT(venue_name_cmd[0].language), AT(venue_name_cmd[0].name)}));
+static_assert(in_order({AT(friendly_name_cmd[0].language), AT(friendly_name_cmd[0].name)}));
 static_assert(in_order({AT(network_auth_cmd[0].auth_type), AT(network_auth_cmd[0].url)}));
 static_assert(in_order({AT(cellular_cmd[0].mcc), AT(cellular_cmd[0].mnc)}));
 }  // namespace passpoint

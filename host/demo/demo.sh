@@ -25,6 +25,12 @@ run() {
     printf '$ %s\n' "$*"
     "$@"
 }
+# Commits and leaves the message's number in `message`.
+commit() {
+    run apconf commit "$1" 2>/tmp/commit.err | tee /tmp/commit.out || fail "$(cat /tmp/commit.err)"
+    sed 's/^/  /' /tmp/commit.err
+    message=$(tail -n 1 /tmp/commit.out)
+}
 same() { [ "$1" = "$2" ] || fail "$3: expected '$1', got '$2'"; }
 
 start_server() {
@@ -75,8 +81,7 @@ if run apconf set 'config/radio[0]/bss[0]/rts_threshold_cmd' rts=99999; then fai
 
 step "Commit a batch while the server is down: two radios, four BSSes, VLANs, pools, an access list, ..."
 stop_server TERM
-message=$(run apconf commit "$here/batch.json" 2>/tmp/commit.err | tee /dev/stderr | tail -n 1)
-sed 's/^/  /' /tmp/commit.err
+commit "$here/batch.json"
 run cat /tmp/cmessage_queue/new/.max_index
 echo
 run apconf queue
@@ -100,7 +105,7 @@ damaged=$(tr -d ' ' </tmp/cmessage_queue/new/.max_index)
 echo '{"MODULE": "dem' >"/tmp/cmessage_queue/new/$damaged.json"
 printf '%d ' $((damaged + 1)) >/tmp/cmessage_queue/new/.max_index
 echo '{"ACTION": "set", "config": {"hostname_cmd": {"hostname": "ap-fourth-floor"}}}' >/tmp/small.json
-message=$(run apconf commit /tmp/small.json | tee /dev/stderr | tail -n 1)
+commit /tmp/small.json
 wait_applied "$message"
 grep -E "load config $damaged.json failed" "$log" || fail "the log does not tell of the damaged file"
 run cat "/tmp/cmessage_queue/bad/$damaged.txt"

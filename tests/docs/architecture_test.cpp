@@ -121,12 +121,25 @@ TEST(architecture, all_scopes_stand_in_the_table)
 
 TEST(architecture, the_files_that_the_documentation_names_exist)
 {
-    for (const char *document :
-         {"README.md", "DEVELOPERS.md", "docs/architecture.md", "docs/wire.md", "docs/handlers.md", "CHANGELOG.md"}) {
+    for (const char *document : {"README.md", "DEVELOPERS.md", "docs/architecture.md", "docs/wire.md",
+                                 "docs/handlers.md", "docs/target.md", "CHANGELOG.md"}) {
         const auto names = matches(source_file(document), "`(([a-z_0-9]+/)+[a-z_0-9]+\\.[a-z]+)`");
         for (const auto &name : names)
             EXPECT_TRUE(fs::exists(fs::path(APCONF_SOURCE_DIR) / name[1])) << document << " names " << name[1];
     }
+}
+
+TEST(documents, links_lead_to_something_to_read)
+{
+    size_t followed = 0;
+    for (const char *document : {"README.md", "DEVELOPERS.md", "packaging/README.md", "docs/architecture.md"})
+        for (const auto &link : matches(source_file(document), "\\]\\(([^)#]+)\\)")) {
+            const fs::path target = fs::path(APCONF_SOURCE_DIR) / fs::path(document).parent_path() / link[1];
+            followed++;
+            ASSERT_TRUE(fs::exists(target)) << document << " links to " << link[1];
+            EXPECT_TRUE(fs::is_directory(target) || fs::file_size(target) > 100) << target << " is empty";
+        }
+    EXPECT_GT(followed, 15U);
 }
 
 TEST(architecture, quoted_code_stands_so_in_its_file)
