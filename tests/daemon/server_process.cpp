@@ -72,14 +72,6 @@ bool exists(const std::string &path)
     return lstat(path.c_str(), &status) == 0;
 }
 
-std::vector<std::string> lines_of(const std::string &text)
-{
-    std::vector<std::string> lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) lines.push_back(line);
-    return lines;
-}
-
 void make_fresh_machine()
 {
     if (!in_private_namespace()) abort();

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "support/lines.h"
+
 namespace apconf_test
 {
 
@@ -18,7 +20,6 @@ using namespace std::chrono_literals;
 std::string read_file(const std::string &path);
 void write_file(const std::string &path, const std::string &text);
 bool exists(const std::string &path);
-std::vector<std::string> lines_of(const std::string &text);
 
 // A machine as before the first boot: vocabulary in /etc, nothing in /tmp, no start configuration.
 void make_fresh_machine();

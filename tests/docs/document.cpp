@@ -9,18 +9,12 @@
 #include <iterator>
 #include <sstream>
 
+#include "support/lines.h"
+
 namespace apconf_test
 {
 namespace
 {
-
-std::vector<std::string> lines_of(const std::string &text)
-{
-    std::istringstream stream(text);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(stream, line);) lines.push_back(line);
-    return lines;
-}
 
 std::string trimmed(std::string text)
 {

@@ -7,19 +7,12 @@
 #include <sstream>
 
 #include "docs/document.h"
+#include "support/lines.h"
 
 namespace apconf_test
 {
 namespace
 {
-
-std::vector<std::string> lines_of(const std::string &text)
-{
-    std::istringstream stream(text);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(stream, line);) lines.push_back(line);
-    return lines;
-}
 
 std::vector<std::string> words_of(const std::string &line)
 {

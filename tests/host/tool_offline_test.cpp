@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include "host/host_test.h"
 #include "host/tool_process.h"
+#include "support/lines.h"
 #include "support/printed.h"
 
 namespace
@@ -15,6 +15,7 @@ namespace
 namespace fs = std::filesystem;
 using apconf_test::apconf;
 using apconf_test::content;
+using apconf_test::lines_of;
 using apconf_test::text_of;
 using testing::ElementsAre;
 using testing::EndsWith;
@@ -22,14 +23,6 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 using result = apconf_test::tool_result;
-
-std::vector<std::string> lines_of(const std::string &text)
-{
-    std::istringstream stream(text);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(stream, line);) lines.push_back(line);
-    return lines;
-}
 
 apconf_host::json_ptr parsed(const std::string &text)
 {

@@ -4,6 +4,7 @@
 
 #include "host/tool_process.h"
 #include "shell/terminal_process.h"
+#include "support/lines.h"
 
 namespace
 {
@@ -11,6 +12,7 @@ namespace
 namespace fs = std::filesystem;
 using apconf_test::apconf;
 using apconf_test::content;
+using apconf_test::lines_of;
 using apconf_test::terminal_process;
 using testing::Contains;
 using testing::ElementsAre;
@@ -18,14 +20,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
-
-std::vector<std::string> lines_of(const std::string &text)
-{
-    std::istringstream stream(text);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(stream, line);) lines.push_back(line);
-    return lines;
-}
 
 class completed : public apconf_test::tool
 {

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "faults.h"
+#include "memory.h"
 #include "store_fixture.h"
 
 namespace apconf_test

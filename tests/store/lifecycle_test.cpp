@@ -7,8 +7,8 @@
 #include <fstream>
 
 #include "config_server.h"
-#include "faults.h"
 #include "heap_members.h"
+#include "memory.h"
 #include "store_fixture.h"
 
 namespace apconf_test

@@ -1,7 +1,8 @@
-#include "faults.h"
+#include "memory.h"
 
 #include <dlfcn.h>
 #include <json-c/json.h>
+#include <malloc.h>
 
 #include <cstdint>
 #include <cstdlib>
@@ -11,6 +12,13 @@ namespace
 
 size_t failing_size = SIZE_MAX;
 int allowed_objects = -1;  // negative: any number
+size_t bytes_in_use = 0;
+
+void *counted(void *block)
+{
+    bytes_in_use += malloc_usable_size(block);
+    return block;
+}
 
 template <typename Function>
 Function *next_definition(const char *name)
@@ -26,8 +34,34 @@ extern "C" {
 void *malloc(size_t size)
 {
     static auto *const next = next_definition<void *(size_t)>("malloc");
-    return size >= failing_size ? nullptr : next(size);
+    return size >= failing_size ? nullptr : counted(next(size));
 }
+
+#ifndef __SANITIZE_ADDRESS__  // which needs these for itself
+// The C library's own functions under the names that a replacement calls them by.
+void *__libc_calloc(size_t count, size_t size);
+void *__libc_realloc(void *old, size_t size);
+void __libc_free(void *block);
+
+void *calloc(size_t count, size_t size)
+{
+    return counted(__libc_calloc(count, size));
+}
+
+void *realloc(void *old, size_t size)
+{
+    const size_t before = malloc_usable_size(old);
+    void *const block = __libc_realloc(old, size);
+    if (block || size == 0) bytes_in_use -= before;
+    return counted(block);
+}
+
+void free(void *block)
+{
+    bytes_in_use -= malloc_usable_size(block);
+    __libc_free(block);
+}
+#endif
 
 struct json_object *json_object_new_object(void)
 {
@@ -40,6 +74,11 @@ struct json_object *json_object_new_object(void)
 
 namespace apconf_test
 {
+
+size_t heap_in_use()
+{
+    return bytes_in_use;
+}
 
 large_allocations_fail::large_allocations_fail(size_t size)
 {

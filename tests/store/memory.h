@@ -1,10 +1,14 @@
-// Makes memory short for the code under test.
+// The memory of the code under test: counted, and made short.
 #pragma once
 
 #include <cstddef>
 
 namespace apconf_test
 {
+
+// Bytes of the heap, without what the allocator keeps for later. Not under a sanitizer, which has an allocator of its
+// own.
+size_t heap_in_use();
 
 // While one of these lives, every malloc of at least `size` bytes fails.
 class large_allocations_fail
