@@ -11,6 +11,7 @@
 
 #include <chrono>
 #include <cstring>
+#include <stdexcept>
 
 namespace apconf_test
 {
@@ -34,10 +35,8 @@ winsize size_of(size_t columns)
 terminal_process::terminal_process(const std::string &command, size_t columns) : screen_(columns)
 {
     winsize size = size_of(columns);
-    if (openpty(&master_, &slave_, nullptr, nullptr, &size) != 0) {
-        ADD_FAILURE() << "no pseudo-terminal: " << strerror(errno);
-        return;
-    }
+    if (openpty(&master_, &slave_, nullptr, nullptr, &size) != 0)
+        throw std::runtime_error(std::string("no pseudo-terminal: ") + strerror(errno));
     tcgetattr(slave_, &before_);
     pid_ = fork();
     if (pid_ != 0) return;
