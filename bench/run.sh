@@ -74,6 +74,8 @@ if [ -x "$build/host/apconfd" ]; then
     run round_trip "$build/host/apconfd" --foreground
     start_server
     time_process 'apconf show, CPU time' 30 "$build/host/apconf" show
+    time_process 'apconf shell on a terminal, start and end, CPU time' 50 \
+        /bin/sh -c "echo exit | script --quiet --return --command '$build/host/apconf shell' /dev/null"
     stop_server
 else
     run round_trip

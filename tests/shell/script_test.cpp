@@ -1,5 +1,4 @@
 // apconf shell with lines from a file: faults by number, nothing half-committed, exit status.
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -99,30 +98,6 @@ TEST_F(script, without_the_queue_the_changes_are_kept)
     EXPECT_EQ(failed.output, "hostname lobby\n");
     EXPECT_EQ(failed.status, 1);
     start_server();
-}
-
-TEST_F(script, starts_within_50_milliseconds_of_processor_time)
-{
-#ifdef __SANITIZE_ADDRESS__
-    GTEST_SKIP() << "the sanitizers' time is not the tool's";
-#endif
-    if (std::string(APCONF_TOOL).find("qemu") != std::string::npos)
-        GTEST_SKIP() << "the emulator's time is not the tool's";
-    long best = 1000000;
-    for (int attempt = 0; attempt < 5; ++attempt) {
-        rusage before = {};
-        rusage after = {};
-        getrusage(RUSAGE_CHILDREN, &before);
-        ASSERT_EQ(system("exec " APCONF_TOOL " shell </dev/null"), 0);
-        getrusage(RUSAGE_CHILDREN, &after);
-        const auto microseconds = [](const rusage &usage) {
-            return (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1000000 + usage.ru_utime.tv_usec +
-                   usage.ru_stime.tv_usec;
-        };
-        best = std::min(best, microseconds(after) - microseconds(before));
-    }
-    RecordProperty("microseconds", std::to_string(best));
-    EXPECT_LT(best, 50000);
 }
 
 }  // namespace
