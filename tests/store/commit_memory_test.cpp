@@ -11,9 +11,6 @@ namespace apconf_test
 namespace
 {
 
-constexpr int few = 10;
-constexpr int many = 1'000;
-
 // The commands below `node` that an instance's object lacks.
 std::vector<std::string> missing_below(const cmd_node &node, json_object *instance)
 {
@@ -47,6 +44,11 @@ TEST_P(batch_test, holds_every_command)
 
 INSTANTIATE_TEST_SUITE_P(all, batch_test, testing::Values(batch::extent::everything, batch::extent::one_of_each));
 
+#ifndef __SANITIZE_ADDRESS__  // which finds what is lost by itself
+
+constexpr int few = 10;
+constexpr int many = 1'000;
+
 // Every command with a value, something of every kind that a commit releases. The queue stays as empty as a server
 // leaves it.
 void commit_batches(int count)
@@ -60,7 +62,6 @@ void commit_batches(int count)
     }
 }
 
-#ifndef __SANITIZE_ADDRESS__  // which finds what is lost by itself
 TEST_F(store_test, a_thousand_commits_need_no_more_memory_than_ten)
 {
     config_server server;
@@ -73,6 +74,7 @@ TEST_F(store_test, a_thousand_commits_need_no_more_memory_than_ten)
     deinit_cmclient();
     io_sockfd = -1;
 }
+
 #endif
 
 }  // namespace
